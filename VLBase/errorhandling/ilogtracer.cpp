@@ -1,0 +1,3 @@
+#include "ilogtracer.h"
+
+ILogTracer::~ILogTracer() = default;
