@@ -7,7 +7,9 @@
 /// Where the error handler sends a copy of everything that it records.
 ///
 /// An implementation is handed over to `ErrorHandler::SetLogTracer` and is called from every
-/// thread that reports, one call at a time.
+/// thread that reports, one call at a time. It may report, too: what it reports while it runs is
+/// sent to it afterwards, never from within a call. It must not wait for another thread that
+/// reports. What it throws is swallowed.
 class VLBASE_EXPORT ILogTracer
 {
 public:

@@ -1,0 +1,5 @@
+#include "ierrorhandler.h"
+
+IErrorHandler::~IErrorHandler() = default;
+
+IErrorHandlerBase::~IErrorHandlerBase() = default;

@@ -1,0 +1,5 @@
+#include "imessagedialog.h"
+
+IMessageDialog::~IMessageDialog() = default;
+
+void IMessageDialog::CloseAll() {}

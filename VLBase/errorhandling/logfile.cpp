@@ -1,0 +1,13 @@
+#include "logfile.h"
+
+LogFile::LogFile(const QString& path)
+    : VLTextFile(path, true)
+{
+}
+
+LogFile::~LogFile() = default;
+
+bool LogFile::AddMessage(const std::string& line)
+{
+    return AppendLine(line) != 0;
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <VLBase/errorhandling/vltextfile.h>
+#include <VLBase/vlbase_export.h>
+
+#include <QString>
+
+#include <string>
+
+/// The text log of the error handler: a text file that is created when it is missing.
+class VLBASE_EXPORT LogFile : public VLTextFile
+{
+public:
+    explicit LogFile(const QString& path);
+    ~LogFile() override;
+
+    /// Writes one line.
+    /// \return whether `AppendLine` counted anything, which says nothing about the disk
+    bool AddMessage(const std::string& line);
+};
