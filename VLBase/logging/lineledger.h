@@ -41,7 +41,8 @@ public:
     void startAtBeginning();
 
     /// Goes on after \a lastLine, the last line with a number that the file already has (whole,
-    /// without its line end). Without any start the first line that comes is taken as it is.
+    /// without its line end); nothing when it has no number. Without any start the first line
+    /// that comes is taken as it is.
     void resumeAfter(std::string_view lastLine);
 
     /// \param line without its zero byte. A line without a number is accepted and counts for
@@ -54,9 +55,12 @@ public:
     std::uint64_t lostUpTo(long nextIndex);
 
 private:
-    std::optional<Judgement> judgeSealed(std::string_view line, std::uint64_t slot);
-    Judgement judgeByNumber(std::uint64_t slot);
+    std::optional<Judgement> judgeSealed(std::string_view line, std::int32_t number);
+    Judgement judgeByNumber(std::int32_t number);
     Judgement acceptAt(std::uint64_t position);
+    bool isSealed(std::uint64_t slot, std::uint64_t lineHash) const;
+    bool awaitsOther(std::uint64_t slot) const;
+    std::optional<std::uint64_t> lastPositionOf(std::uint64_t slot) const;
 
     const LogReserve* m_reserve;
     std::optional<std::uint64_t> m_next; // position of the first line not yet accounted for

@@ -12,6 +12,8 @@
 
 namespace vlbase::logging {
 
+class LogStaging;
+
 /// The owner's side of the shared log: moves lines out of the log, so that none is ever only in
 /// the owner's own memory.
 ///
@@ -43,7 +45,7 @@ public:
 
     /// Attaches when the object is not open yet; the result is also `openResult`.
     OpenResult open();
-    OpenResult openResult() const { return m_result; }
+    OpenResult openResult() const;
 
     /// Bytes of each half; 0 when closed.
     int bufferSize() const;
@@ -87,12 +89,13 @@ public:
     std::optional<long> nextIndexIfIdle();
 
 private:
-    class Staging;
+    class PrivateStaging;
 
-    bool viewersHalfRunsOver(int fill, int inflow);
+    void useStaging();
+    bool viewersHalfRunsOver(int inflow);
 
-    OpenResult m_result;
-    std::unique_ptr<Staging> m_staging;
+    std::unique_ptr<PrivateStaging> m_privateStaging;
+    LogStaging* m_staging = nullptr;
     std::optional<std::chrono::steady_clock::time_point> m_viewersHalfFullSince;
 };
 

@@ -3,7 +3,11 @@
 #include <VLBase/logging/mmshared.h>
 #include <VLBase/vlbase_export.h>
 
+#include <QByteArray>
 #include <QString>
+#include <QStringView>
+
+#include <initializer_list>
 
 class ILogData;
 
@@ -59,7 +63,7 @@ protected:
     void Send(QString event);
 
 private:
-    void sendFields(QStringView level, QStringView a, QStringView b, QStringView c);
+    void sendFields(std::initializer_list<QStringView> fields);
     void rebuildNames();
     void waitForRoom();
 

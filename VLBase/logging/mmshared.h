@@ -7,7 +7,8 @@
 
 namespace vlbase::logging {
 class LogRegistration;
-}
+enum class OpenOutcome : int;
+} // namespace vlbase::logging
 
 /// One process's handle on the log buffer that all processes of a user share.
 ///
@@ -49,7 +50,7 @@ public:
     /// The log file's name, zero-terminated, inside the buffer; null when closed.
     char* GetFileName();
 
-    /// Appends a line (without its zero byte counting, up to it) to both halves. Dropped when
+    /// Appends a zero-terminated line to both halves. Dropped when
     /// closed, when there is no owner, and when the line cannot fit into an empty half.
     /// The caller holds a `Lock`.
     void Add(const char* line);
@@ -98,10 +99,14 @@ protected:
     /// What all copies of this object share; null when closed.
     const std::shared_ptr<vlbase::logging::LogRegistration>& registration() const;
 
+    /// How the last `Open` of a closed object ended.
+    vlbase::logging::OpenOutcome openOutcome() const;
+
 private:
     int m_role;
     int m_bufferSize;
-    int m_reserveBytes = 0;
+    int m_reserveBytes;
+    vlbase::logging::OpenOutcome m_outcome{};
     int m_currentBuffer = 0;
     long m_takenIndex = -1;            // number that GetAndIncIndex gave last,
     std::uint64_t m_takenPosition = 0; // and where it stands among all lines ever

@@ -26,6 +26,10 @@ public:
     /// Whether anybody has the claim now. Leaves nothing behind.
     static bool isTaken(const std::string& name);
 
+    /// Whether a role can also be held by programs that do not know its claim: on Windows,
+    /// where other makers' programs share the log.
+    static bool othersMayIgnore();
+
 private:
     class Handle;
     std::unique_ptr<Handle> m_handle;

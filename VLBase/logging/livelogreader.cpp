@@ -1,0 +1,33 @@
+#include "livelogreader.h"
+
+#include <string>
+
+namespace {
+constexpr int readerRole = 2;
+}
+
+CLiveLogReader::CLiveLogReader()
+    : CMMShared(readerRole, 0)
+{
+}
+
+CLiveLogReader::CLiveLogReader(const CLiveLogReader& other) = default;
+CLiveLogReader& CLiveLogReader::operator=(const CLiveLogReader& other) = default;
+CLiveLogReader::~CLiveLogReader() = default;
+
+void CLiveLogReader::GetBuffer(char** data, long* length)
+{
+    LockData();
+    CMMShared::GetBuffer(0, data, length);
+}
+
+void CLiveLogReader::ReleaseBuffer()
+{
+    CMMShared::ReleaseBuffer();
+    UnLockData();
+}
+
+void CLiveLogReader::SendLikeItIs(QString line)
+{
+    Add(line.toStdString().c_str());
+}

@@ -1,0 +1,179 @@
+#include "logowner.h"
+
+#include <VLBase/logging/logregistration.h>
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+namespace vlbase::logging {
+
+namespace {
+
+constexpr int ownerRole = 0;
+
+// How long the viewers' half may stay nearly full before its viewer counts as gone.
+constexpr std::chrono::milliseconds viewerPatience(20);
+
+// A drain is never split, and an empty ring of this size always has room for one.
+int stagingSize(int bufferSize, int reserveBytes)
+{
+    const std::int64_t least = 2 * static_cast<std::int64_t>(bufferSize);
+    const std::int64_t most = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp<std::int64_t>(reserveBytes, std::min(least, most), most));
+}
+
+} // namespace
+
+/// Stands in for the shared staging ring where there is none.
+class LogOwner::PrivateStaging
+{
+public:
+    explicit PrivateStaging(std::size_t bytes)
+        : m_bytes(bytes)
+        , m_staging(&m_control, m_bytes.data(), bytes)
+    {
+    }
+
+    LogStaging& staging() { return m_staging; }
+
+private:
+    LogStaging::Control m_control;
+    std::vector<char> m_bytes;
+    LogStaging m_staging;
+};
+
+LogOwner::LogOwner(int bufferSize, int reserveBytes)
+    : CMMShared(ownerRole, bufferSize, stagingSize(bufferSize, reserveBytes))
+{
+    useStaging();
+}
+
+LogOwner::~LogOwner() = default;
+
+LogOwner::OpenResult LogOwner::open()
+{
+    if (Open())
+        useStaging();
+    return openResult();
+}
+
+LogOwner::OpenResult LogOwner::openResult() const
+{
+    switch (openOutcome()) {
+    case OpenOutcome::Created:
+        return OpenResult::Created;
+    case OpenOutcome::Joined:
+        return OpenResult::TookOver;
+    case OpenOutcome::Busy:
+        return OpenResult::Busy;
+    case OpenOutcome::Absent:
+    case OpenOutcome::Failed:
+        break;
+    }
+    return OpenResult::Failed;
+}
+
+void LogOwner::useStaging()
+{
+    if (!IsOpen())
+        return;
+    LogAttachment& attachment = registration()->attachment();
+    const auto least = 2 * static_cast<std::size_t>(bufferSize());
+    LogStaging* const shared = attachment.sharedStaging();
+    if (shared && shared->size() >= least) {
+        attachment.lock();
+        shared->discardIfDamaged();
+        shared->finishMove(attachment.image());
+        attachment.unlock();
+        m_staging = shared;
+        return;
+    }
+    m_privateStaging = std::make_unique<PrivateStaging>(least);
+    m_staging = &m_privateStaging->staging();
+}
+
+int LogOwner::bufferSize() const
+{
+    return IsOpen() ? registration()->attachment().image().bufferSize() : 0;
+}
+
+// Above three quarters nobody seems to read; a viewer that reads too slowly is recognised by
+// what came in lately: when it came once more, it would not fit.
+bool LogOwner::viewersHalfRunsOver(int inflow)
+{
+    const LogImage& image = registration()->attachment().image();
+    const int fill = image.fill(0);
+    const int size = image.bufferSize();
+    if (fill <= size / 4 * 3) {
+        m_viewersHalfFullSince.reset();
+        return inflow > size - fill && fill > size / 2;
+    }
+    const auto now = std::chrono::steady_clock::now();
+    if (!m_viewersHalfFullSince)
+        m_viewersHalfFullSince = now;
+    return image.users(Role::Reader) <= 0 || inflow > size - fill ||
+           now - *m_viewersHalfFullSince >= viewerPatience;
+}
+
+LogOwner::Drained LogOwner::drain()
+{
+    Drained drained;
+    if (!IsOpen())
+        return drained;
+    LogAttachment& attachment = registration()->attachment();
+    LogImage& image = attachment.image();
+    if (image.fill(1) == 0 && image.fill(0) <= image.bufferSize() / 4 * 3)
+        return drained; // an idle log is left alone
+
+    drained.timedOut = attachment.lock() == platform::LockResult::TimedOut;
+    drained.fillBefore = image.fill(1);
+    if (drained.fillBefore > 0) {
+        drained.stagingFull = !m_staging->take(image);
+        drained.bytes = drained.stagingFull ? 0 : drained.fillBefore;
+    }
+    drained.trimmed = viewersHalfRunsOver(drained.fillBefore);
+    if (drained.trimmed)
+        image.keepNewest(0, image.bufferSize() / 2);
+    attachment.unlock();
+    return drained;
+}
+
+std::string_view LogOwner::pending() const
+{
+    return m_staging ? m_staging->pending() : std::string_view();
+}
+
+void LogOwner::markWritten(std::size_t bytes)
+{
+    if (m_staging)
+        m_staging->markWritten(bytes);
+}
+
+std::size_t LogOwner::stagedBytes() const
+{
+    return m_staging ? m_staging->bytes() : 0;
+}
+
+std::size_t LogOwner::stagingCapacity() const
+{
+    return m_staging ? m_staging->size() : 0;
+}
+
+LineLedger LogOwner::makeLedger() const
+{
+    return LineLedger(IsOpen() ? registration()->attachment().reserve() : nullptr);
+}
+
+std::optional<long> LogOwner::nextIndexIfIdle()
+{
+    if (!IsOpen())
+        return std::nullopt;
+    const Lock lock(this);
+    const LogImage& image = registration()->attachment().image();
+    if (image.fill(1) > 0 || stagedBytes() > 0)
+        return std::nullopt;
+    return image.index();
+}
+
+} // namespace vlbase::logging

@@ -1,0 +1,177 @@
+#include "logwriter.h"
+
+#include <VLBase/logging/ilogdata.h>
+#include <VLBase/logging/linebuffer.h>
+#include <VLBase/logging/linetime.h>
+#include <VLBase/logging/logregistration.h>
+
+#include <QHostInfo>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <thread>
+#include <utility>
+
+using vlbase::logging::LineBuffer;
+using vlbase::logging::LineTime;
+using vlbase::logging::LogAttachment;
+using vlbase::logging::LogImage;
+using vlbase::logging::Role;
+
+namespace {
+
+constexpr int writerRole = 1;
+
+QString unknownModule()
+{
+    return QStringLiteral("Module Unknown");
+}
+
+// Nothing here has a destructor: a line may also be sent while the thread, or the process, is
+// destroying its last objects.
+thread_local char usualLine[4096];
+thread_local LineTime lineTime;
+
+} // namespace
+
+CLogWriter::CLogWriter()
+    : CLogWriter(unknownModule())
+{
+}
+
+CLogWriter::CLogWriter(QString moduleName)
+    : CMMShared(writerRole, 0)
+    , m_stationName(QHostInfo::localHostName())
+    , m_moduleName(std::move(moduleName))
+{
+    rebuildNames();
+}
+
+CLogWriter::CLogWriter(const CLogWriter& other) = default;
+CLogWriter& CLogWriter::operator=(const CLogWriter& other) = default;
+CLogWriter::~CLogWriter() = default;
+
+QString CLogWriter::GetModuleName() const
+{
+    return m_moduleName;
+}
+
+QString CLogWriter::GetStationName() const
+{
+    return m_stationName;
+}
+
+void CLogWriter::SetModuleName(QString moduleName)
+{
+    m_moduleName = std::move(moduleName);
+    rebuildNames();
+}
+
+void CLogWriter::rebuildNames()
+{
+    m_names = QStringLiteral("\t%1\t%2\t").arg(m_stationName, m_moduleName).toUtf8();
+}
+
+void CLogWriter::SendError(QString a, QString b, QString c)
+{
+    sendFields({u"Error", a, b, c});
+}
+
+void CLogWriter::SendWarning(QString a, QString b, QString c)
+{
+    sendFields({u"Warning", a, b, c});
+}
+
+void CLogWriter::SendEvent(QString a, QString b, QString c)
+{
+    sendFields({u"Event", a, b, c});
+}
+
+void CLogWriter::SendAdmin(QString a, QString b, QString c)
+{
+    sendFields({u"Admin", a, b, c});
+}
+
+void CLogWriter::SendTrace(QString a, QString b, QString c)
+{
+    sendFields({u"Trace", a, b, c});
+}
+
+void CLogWriter::SendData(ILogData* data, QString text)
+{
+    if (data && GetAcceptDataBlocks())
+        sendFields({u"Data", data->GetDataType(), data->GetDataText(), text});
+}
+
+void CLogWriter::SendData(QString moduleName, ILogData* data, QString text)
+{
+    SetModuleName(std::move(moduleName));
+    SendData(data, std::move(text));
+}
+
+void CLogWriter::SetFullBufferWait(int milliseconds)
+{
+    m_fullBufferWait = std::max(milliseconds, 0);
+}
+
+int CLogWriter::GetFullBufferWait() const
+{
+    return m_fullBufferWait;
+}
+
+void CLogWriter::Send(QString event)
+{
+    sendFields({event});
+}
+
+// All that needs no order among the writers is done before the lock. The time is looked at
+// again under it, so that it does not fall from line to line.
+void CLogWriter::sendFields(std::initializer_list<QStringView> fields)
+{
+    if (!IsOpen())
+        return;
+    qsizetype characters = 0;
+    for (const QStringView field : fields)
+        characters += field.size() + 1;
+    const std::size_t size = LineBuffer::sizeFor(m_names.size(), characters);
+    std::unique_ptr<char[]> longLine;
+    if (size > sizeof usualLine)
+        longLine.reset(new char[size]);
+
+    LineBuffer line(longLine ? longLine.get() : usualLine);
+    line.append(QByteArrayView(m_names));
+    bool first = true;
+    for (const QStringView field : fields) {
+        if (!std::exchange(first, false))
+            line.append('\t');
+        line.append(field);
+    }
+    line.cutAtZero();
+    lineTime.update();
+    waitForRoom();
+
+    const Lock lock(this);
+    LogAttachment& attachment = registration()->attachment();
+    const LogAttachment::Number taken = attachment.takeNumber();
+    lineTime.update();
+    if (IsWriterAvailable())
+        attachment.add(line.complete(taken.number, lineTime.text()), taken.position);
+}
+
+void CLogWriter::waitForRoom()
+{
+    using namespace std::chrono;
+    LogAttachment& attachment = registration()->attachment();
+    const LogImage& image = attachment.image();
+    const auto isFull = [&image] { return image.fill(1) > image.bufferSize() / 4 * 3; };
+    // The owner cannot make room for a thread that keeps it out.
+    if (m_fullBufferWait == 0 || !isFull() || attachment.isLockedByThisThread())
+        return;
+    const auto end = steady_clock::now() + milliseconds(m_fullBufferWait);
+    microseconds pause(50);
+    while (isFull() && IsWriterAvailable() && steady_clock::now() < end) {
+        std::this_thread::sleep_for(pause);
+        pause = std::min(pause + pause / 2, microseconds(200));
+    }
+}

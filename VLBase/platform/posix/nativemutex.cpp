@@ -1,0 +1,156 @@
+#include <VLBase/platform/namedmapping.h>
+#include <VLBase/platform/nativemutex.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <ctime>
+#include <pthread.h>
+#include <unistd.h>
+#include <utility>
+
+namespace vlbase::platform {
+
+namespace {
+
+constexpr char signature[8] = {'V', 'L', 'M', 'u', 't', 'e', 'x', '1'};
+
+// What is in the shared memory. The signature comes last into a new one.
+struct SharedMutex
+{
+    char signature[8];
+    std::uint32_t mutexSize;          // programs of another C library must stay out
+    std::atomic<std::int32_t> holder; // process, for whoever looks from outside
+    alignas(64) pthread_mutex_t mutex;
+};
+
+bool makeMutex(pthread_mutex_t* mutex)
+{
+    pthread_mutexattr_t attributes;
+    if (pthread_mutexattr_init(&attributes) != 0)
+        return false;
+    const bool made = pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED) == 0 &&
+                      pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST) == 0 &&
+                      pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE) == 0 &&
+                      pthread_mutex_init(mutex, &attributes) == 0;
+    pthread_mutexattr_destroy(&attributes);
+    return made;
+}
+
+const SharedMutex* checked(const NamedMapping& memory)
+{
+    const auto* shared = reinterpret_cast<const SharedMutex*>(memory.data());
+    const bool good = memory.size() == sizeof(SharedMutex) &&
+                      std::memcmp(shared->signature, signature, sizeof signature) == 0 &&
+                      shared->mutexSize == sizeof(pthread_mutex_t);
+    return good ? shared : nullptr;
+}
+
+timespec monotonicIn(std::chrono::milliseconds timeout)
+{
+    timespec time = {};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    const auto nanoseconds = std::chrono::nanoseconds(timeout).count() + time.tv_nsec;
+    time.tv_sec += static_cast<time_t>(nanoseconds / 1000000000);
+    time.tv_nsec = static_cast<long>(nanoseconds % 1000000000);
+    return time;
+}
+
+} // namespace
+
+class NativeMutex::Handle
+{
+public:
+    SharedMutex* shared() const { return reinterpret_cast<SharedMutex*>(memory.data()); }
+
+    NamedMapping memory;
+};
+
+NativeMutex::NativeMutex() = default;
+NativeMutex::~NativeMutex() = default;
+NativeMutex::NativeMutex(NativeMutex&& other) noexcept = default;
+NativeMutex& NativeMutex::operator=(NativeMutex&& other) noexcept = default;
+
+bool NativeMutex::open(const std::string& name)
+{
+    NamedMapping memory;
+    if (memory.open(name) != NamedMapping::Opened::Done || !checked(memory))
+        return false;
+    m_handle = std::make_unique<Handle>(Handle{std::move(memory)});
+    return true;
+}
+
+bool NativeMutex::create(const std::string& name)
+{
+    NamedMapping memory;
+    switch (memory.open(name)) {
+    case NamedMapping::Opened::Done:
+        if (!checked(memory))
+            return false;
+        break;
+    case NamedMapping::Opened::Absent: {
+        if (!memory.create(name, sizeof(SharedMutex)))
+            return false;
+        auto* const shared = reinterpret_cast<SharedMutex*>(memory.data());
+        if (!makeMutex(&shared->mutex))
+            return false;
+        shared->mutexSize = sizeof(pthread_mutex_t);
+        std::memcpy(shared->signature, signature, sizeof signature);
+        break;
+    }
+    case NamedMapping::Opened::Refused:
+        return false;
+    }
+    m_handle = std::make_unique<Handle>(Handle{std::move(memory)});
+    return true;
+}
+
+LockResult NativeMutex::lock(std::chrono::milliseconds timeout)
+{
+    if (!m_handle)
+        return LockResult::Failed;
+    SharedMutex* const shared = m_handle->shared();
+    int status = pthread_mutex_trylock(&shared->mutex);
+    if (status == EBUSY) {
+        const timespec end = monotonicIn(timeout);
+        status = pthread_mutex_clocklock(&shared->mutex, CLOCK_MONOTONIC, &end);
+    }
+    switch (status) {
+    case 0:
+        shared->holder.store(getpid(), std::memory_order_relaxed);
+        return LockResult::Owned;
+    case EOWNERDEAD:
+        // At once: a mutex that is let go without this can never be locked again.
+        pthread_mutex_consistent(&shared->mutex);
+        shared->holder.store(getpid(), std::memory_order_relaxed);
+        return LockResult::OwnedAfterDeath;
+    case ETIMEDOUT:
+        return LockResult::TimedOut;
+    default:
+        return LockResult::Failed;
+    }
+}
+
+void NativeMutex::unlock()
+{
+    SharedMutex* const shared = m_handle->shared();
+    shared->holder.store(0, std::memory_order_relaxed);
+    pthread_mutex_unlock(&shared->mutex);
+}
+
+void NativeMutex::leak()
+{
+    static_cast<void>(m_handle.release());
+}
+
+bool NativeMutex::isHeld(const std::string& name)
+{
+    NamedMapping memory;
+    if (memory.open(name, NamedMapping::Access::Glance) != NamedMapping::Opened::Done)
+        return false;
+    const SharedMutex* const shared = checked(memory);
+    return shared && shared->holder.load(std::memory_order_relaxed) != 0;
+}
+
+} // namespace vlbase::platform

@@ -1,0 +1,142 @@
+#include "sharedfile.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace vlbase::platform {
+
+namespace {
+
+constexpr mode_t ownerOnly = 0600;
+
+std::string pathOf(const std::string& name)
+{
+    return "/" + name + "." + std::to_string(geteuid());
+}
+
+struct flock wholeFile(short type)
+{
+    struct flock lock = {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    return lock;
+}
+
+} // namespace
+
+SharedFile::~SharedFile()
+{
+    close();
+}
+
+SharedFile::SharedFile(SharedFile&& other) noexcept
+    : m_descriptor(std::exchange(other.m_descriptor, -1))
+    , m_path(std::move(other.m_path))
+{
+}
+
+SharedFile& SharedFile::operator=(SharedFile&& other) noexcept
+{
+    std::swap(m_descriptor, other.m_descriptor);
+    std::swap(m_path, other.m_path);
+    return *this;
+}
+
+SharedFile::Opened SharedFile::open(const std::string& name, bool readOnly)
+{
+    close();
+    m_path = pathOf(name);
+    const int access = readOnly ? O_RDONLY : O_RDWR;
+    // Not blocking: a pipe under this name must not keep us.
+    m_descriptor = shm_open(m_path.c_str(), access | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0);
+    if (m_descriptor < 0)
+        return errno == ENOENT ? Opened::Absent : Opened::Refused;
+    if (!isOurs()) {
+        close();
+        return Opened::Refused;
+    }
+    return Opened::Done;
+}
+
+SharedFile::Opened SharedFile::create(const std::string& name)
+{
+    close();
+    m_path = pathOf(name);
+    m_descriptor =
+        shm_open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, ownerOnly);
+    if (m_descriptor < 0)
+        return Opened::Refused;
+    fchmod(m_descriptor, ownerOnly); // whatever the umask took away
+    return Opened::Done;
+}
+
+SharedFile::Opened SharedFile::claim(const std::string& name)
+{
+    // A holder removes the name before it lets go. Whoever got hold of the nameless rest starts
+    // over; the bound is for a crowd in which that happens to the same one again and again.
+    for (int attempt = 0; attempt < 64; ++attempt) {
+        Opened opened = open(name);
+        if (opened == Opened::Absent)
+            opened = create(name);
+        if (opened != Opened::Done && errno == EEXIST)
+            continue;
+        if (opened != Opened::Done)
+            return Opened::Refused;
+        const bool locked = tryLock(LockType::Exclusive);
+        if (!isNamed())
+            continue;
+        if (!locked)
+            close();
+        return locked ? Opened::Done : Opened::Absent;
+    }
+    close();
+    return Opened::Absent;
+}
+
+bool SharedFile::tryLock(LockType type)
+{
+    struct flock lock = wholeFile(type == LockType::Shared ? F_RDLCK : F_WRLCK);
+    return fcntl(m_descriptor, F_OFD_SETLK, &lock) == 0;
+}
+
+bool SharedFile::isLockedByOthers() const
+{
+    struct flock lock = wholeFile(F_WRLCK);
+    return fcntl(m_descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+}
+
+bool SharedFile::isNamed() const
+{
+    struct stat status = {};
+    return fstat(m_descriptor, &status) == 0 && status.st_nlink > 0;
+}
+
+void SharedFile::unlink()
+{
+    shm_unlink(m_path.c_str());
+}
+
+long long SharedFile::size() const
+{
+    struct stat status = {};
+    return fstat(m_descriptor, &status) == 0 ? status.st_size : -1;
+}
+
+void SharedFile::close()
+{
+    if (m_descriptor >= 0)
+        ::close(std::exchange(m_descriptor, -1));
+}
+
+bool SharedFile::isOurs() const
+{
+    struct stat status = {};
+    return fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+           status.st_uid == geteuid() && (status.st_mode & 07777) == ownerOnly;
+}
+
+} // namespace vlbase::platform

@@ -1,0 +1,368 @@
+#include "testlog.h"
+
+#include <VLBase/logging/livelogreader.h>
+#include <VLBase/logging/logowner.h>
+#include <VLBase/logging/logstatus.h>
+#include <VLBase/logging/logviewerclaim.h>
+#include <VLBase/logging/logwriter.h>
+#include <VLBase/platform/namedmapping.h>
+#include <VLBase/platform/namedmutex.h>
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <atomic>
+#include <cstring>
+#include <memory>
+#include <thread>
+
+using vlbase::logging::LogOwner;
+using vlbase::logging::LogStatus;
+using vlbase::logging::LogViewerClaim;
+using vlbase::logging::peekLog;
+using vlbase::platform::NamedMapping;
+using vlbase::platform::NamedMutex;
+
+namespace {
+
+std::int32_t wordAt(const std::byte* base, std::size_t offset)
+{
+    std::int32_t value = 0;
+    std::memcpy(&value, base + offset, 4);
+    return value;
+}
+
+std::string systemName(const char* object, const QString& instance)
+{
+    return std::string(object) + "." + instance.toStdString();
+}
+
+} // namespace
+
+class tst_SharedLog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_instance = useOwnLog();
+        QVERIFY(!m_instance.isEmpty());
+    }
+    void cleanup() { QCOMPARE(peekLog().presence, LogStatus::Presence::Absent); }
+
+    void layout();
+    void withoutOwner();
+    void roles();
+    void fileName();
+    void copies();
+    void instances();
+    void manyWriters();
+    void foreignBuffer_data();
+    void foreignBuffer();
+    void hangingHolder();
+    void glance();
+    void viewerClaim();
+
+private:
+    QString m_instance;
+};
+
+// Offsets as every program of the family has them.
+void tst_SharedLog::layout()
+{
+    TestShared owner(0, 1000);
+    QVERIFY(owner.IsOpen());
+    TestShared writer(1);
+    TestShared firstReader(2);
+    TestShared secondReader(2);
+    NamedMapping mapping;
+    QCOMPARE(mapping.open(systemName("vlcoreShareBuffer1", m_instance)),
+             NamedMapping::Opened::Done);
+    const std::byte* const base = mapping.data();
+    QVERIFY(mapping.size() >= 1080 + 2 * 1000);
+
+    QCOMPARE(QByteArray(reinterpret_cast<const char*>(base), 20),
+             QByteArray("Logger 2.0", 10).leftJustified(20, '\0'));
+    QCOMPARE(wordAt(base, 20), 1000);
+    QCOMPARE(wordAt(base, 24), 1080);
+    QCOMPARE(wordAt(base, 28), 1); // writers
+    QCOMPARE(wordAt(base, 32), 1); // owners
+    QCOMPARE(wordAt(base, 36), 2); // readers
+    QCOMPARE(wordAt(base, 48), 100000);
+    QCOMPARE(int(base[52]), 0);
+    QCOMPARE(int(base[1077]), 1);
+    QCOMPARE(int(base[1078]) + int(base[1079]), 0);
+    QCOMPARE(writer.GetUserCount(), 4);
+
+    {
+        const Lock lock(&writer);
+        writer.Add("abc");
+        writer.Add("");
+    }
+    owner.SetAcceptDataBlocks(false);
+    QVERIFY(owner.SetFileName("/tmp/a.log"));
+    QCOMPARE(owner.SetIndex(123456), 123456L);
+    QCOMPARE(wordAt(base, 40), 5); // half 0, which is the second in memory
+    QCOMPARE(wordAt(base, 44), 5);
+    QCOMPARE(std::memcmp(base + 1080, "abc\0\0", 5), 0);
+    QCOMPARE(std::memcmp(base + 1080 + 1000, "abc\0\0", 5), 0);
+    QCOMPARE(wordAt(base, 48), 123456);
+    QCOMPARE(std::memcmp(base + 53, "/tmp/a.log", 11), 0);
+    QCOMPARE(int(base[1077]), 0);
+
+    firstReader.ReleaseBuffer(); // no buffer chosen yet: half 0
+    QCOMPARE(wordAt(base, 40), 0);
+    QCOMPARE(wordAt(base, 44), 5);
+    mapping.close();
+}
+
+void tst_SharedLog::withoutOwner()
+{
+    CLogWriter writer;
+    TestShared shared(1);
+    CLiveLogReader reader;
+    QVERIFY(!writer.IsOpen() && !reader.IsOpen() && !reader.Open());
+    QVERIFY(!shared.IsWriterAvailable());
+    QCOMPARE(shared.GetUserCount(), -1);
+    QCOMPARE(shared.GetFileName(), nullptr);
+    QCOMPARE(shared.GetIndex(), -1L);
+    QCOMPARE(shared.SetIndex(100007), -1L);
+    QCOMPARE(shared.GetAndIncIndex(), -1L);
+    QVERIFY(!shared.SetFileName("x") && !shared.GetAcceptDataBlocks());
+    char* data = reinterpret_cast<char*>(this);
+    long length = 7;
+    reader.GetBuffer(&data, &length);
+    reader.ReleaseBuffer();
+    QVERIFY(data == nullptr && length == 0);
+    writer.SendError(QString(), QString(), QString());
+    shared.UnLockData();
+
+    // A log that its owner left: numbers are used up, lines go nowhere.
+    auto owner = std::make_unique<TestShared>(0, 500);
+    QVERIFY(writer.Open() && !writer.Open());
+    owner.reset();
+    QVERIFY(!writer.IsWriterAvailable());
+    writer.SendError(QString(), QString(), QString());
+    TestShared next(0, 9000);
+    QVERIFY(next.IsOpen());
+    QCOMPARE(next.GetIndex(), 100001L);
+    QVERIFY(next.lines(1).empty());
+    QCOMPARE(peekLog().bufferSize, 500); // of the log that was there
+}
+
+void tst_SharedLog::roles()
+{
+    {
+        TestShared owner(0, 500);
+        TestShared second(0, 500);
+        QVERIFY(owner.IsOpen());
+        QVERIFY(!second.IsOpen());
+        QCOMPARE(LogOwner(500).openResult(), LogOwner::OpenResult::Busy);
+        QCOMPARE(owner.GetUserCount(), 1);
+    }
+    QVERIFY(!TestShared(3, 500).IsOpen());
+    QVERIFY(!TestShared(-1, 500).IsOpen());
+    QVERIFY(!TestShared(0, 0).IsOpen());
+    QVERIFY(!TestShared(0, -5).IsOpen());
+}
+
+void tst_SharedLog::fileName()
+{
+    TestShared owner(0, 500);
+    const std::string longest(511, 'n');
+    QVERIFY(owner.SetFileName(longest.c_str()));
+    QCOMPARE(std::string(owner.GetFileName()), longest);
+    QCOMPARE(peekLog().fileName, longest);
+    QVERIFY(!owner.SetFileName((longest + "n").c_str()));
+    QCOMPARE(std::string(owner.GetFileName()), std::string());
+}
+
+void tst_SharedLog::copies()
+{
+    TestShared owner(0, 500);
+    {
+        CLogWriter first;
+        CLogWriter second(first);
+        CLogWriter closed;
+        QCOMPARE(owner.GetUserCount(), 3);
+        closed = second; // gives its own user up
+        QCOMPARE(owner.GetUserCount(), 2);
+        {
+            CLogWriter third(second);
+        }
+        QCOMPARE(owner.GetUserCount(), 2);
+    }
+    QCOMPARE(owner.GetUserCount(), 1);
+}
+
+void tst_SharedLog::instances()
+{
+    QVERIFY(!setLogInstance(QString(65, u'x')));
+    QVERIFY(!setLogInstance(QStringLiteral("a/b")));
+    QVERIFY(!setLogInstance(QStringLiteral("a.b")));
+    QVERIFY(!setLogInstance(QStringLiteral("\u00e4")));
+    {
+        TestShared owner(0, 500);
+        QVERIFY(!setLogInstance(m_instance + QLatin1Char('x')));
+        QCOMPARE(logInstance(), m_instance);
+    }
+    const QString longest = m_instance.leftJustified(64, u'_');
+    QVERIFY(setLogInstance(longest));
+    QVERIFY(TestShared(0, 500).IsOpen());
+}
+
+// What a leak would let grow.
+void tst_SharedLog::manyWriters()
+{
+    TestShared owner(0, 500);
+    const auto makeWriters = [](int count) {
+        for (int i = 0; i < count; ++i) {
+            CLogWriter writer;
+            const CLogWriter copy(writer);
+            writer.SendError(QString(), QString(), QString());
+        }
+    };
+    makeWriters(10);
+    const int before = countOfOpenResources();
+    QVERIFY(before > 0);
+    makeWriters(10000);
+    QCOMPARE(countOfOpenResources(), before);
+    QCOMPARE(owner.GetUserCount(), 1);
+    QCOMPARE(owner.GetIndex(), 110010L);
+}
+
+void tst_SharedLog::foreignBuffer_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("offset");
+    QTest::addColumn<qint32>("value");
+    QTest::addColumn<bool>("opens");
+    constexpr int whole = 1080 + 2 * 100;
+    QTest::newRow("intact") << whole << 48 << 100000 << true;
+    QTest::newRow("signature") << whole << 4 << 0x30313233 << false;
+    QTest::newRow("signature goes on") << whole << 8 << 0x41413032 << false;
+    QTest::newRow("size zero") << whole << 20 << 0 << false;
+    QTest::newRow("size negative") << whole << 20 << -100 << false;
+    QTest::newRow("size beyond the memory") << whole << 20 << 4000000 << false;
+    QTest::newRow("size overflows twice itself") << whole << 20 << 0x7FFFFFFF << false;
+    QTest::newRow("data offset") << whole << 24 << 1084 << false;
+    QTest::newRow("fill 0 beyond the half") << whole << 40 << 101 << false;
+    QTest::newRow("fill 1 negative") << whole << 44 << -1 << false;
+    QTest::newRow("fill 1 full") << whole << 44 << 100 << true;
+}
+
+void tst_SharedLog::foreignBuffer()
+{
+    QFETCH(int, size);
+    QFETCH(int, offset);
+    QFETCH(qint32, value);
+    QFETCH(bool, opens);
+    NamedMutex mutex;
+    QVERIFY(mutex.create(systemName("vlcoreMutex", m_instance)));
+    NamedMapping mapping;
+    QVERIFY(mapping.create(systemName("vlcoreShareBuffer1", m_instance),
+                           static_cast<std::size_t>(size)));
+    const auto store = [&mapping](int at, qint32 word) {
+        std::memcpy(mapping.data() + at, &word, 4);
+    };
+    std::memcpy(mapping.data(), "Logger 2.0", 11);
+    store(20, 100);
+    store(24, 1080);
+    store(32, 1);
+    store(offset, value);
+    const QByteArray before(reinterpret_cast<const char*>(mapping.data()), size);
+    const auto now = [&mapping, size] {
+        return QByteArray(reinterpret_cast<const char*>(mapping.data()), size);
+    };
+
+    QCOMPARE(peekLog().presence == LogStatus::Presence::Present, opens);
+    if (opens) {
+        QVERIFY(TestShared(1).IsOpen());
+    } else {
+        QVERIFY(!peekLog().reason.empty());
+        for (const int role : {0, 1, 2})
+            QVERIFY(!TestShared(role, 100).IsOpen());
+    }
+    QCOMPARE(now(), before);
+    mapping.close();
+}
+
+// The mutex is taken by another thread, for which another process could stand.
+void tst_SharedLog::hangingHolder()
+{
+    TestShared owner(0, 500);
+    CLogWriter writer;
+    writer.SendError(QStringLiteral("before"), QString(), QString());
+    QCOMPARE(owner.lines(0).size(), 1u);
+    std::thread holder;
+    QElapsedTimer time;
+    {
+        std::atomic<bool> held{false};
+        std::atomic<bool> enough{false};
+        holder = std::thread([&] {
+            const Lock lock(&owner);
+            held = true;
+            while (!enough)
+                std::this_thread::yield();
+        });
+        while (!held)
+            std::this_thread::yield();
+        QVERIFY(peekLog().lockHeld);
+        time.start();
+        writer.SendError(QStringLiteral("after"), QString(), QString());
+        QVERIFY2(time.elapsed() >= 1990 && time.elapsed() < 2500,
+                 qPrintable(QString::number(time.elapsed())));
+        writer.UnLockData(); // not ours, and still not
+        QVERIFY(peekLog().lockHeld);
+        enough = true;
+        holder.join();
+    }
+    QVERIFY(!peekLog().lockHeld);
+    for (const int half : {0, 1}) {
+        const auto lines = owner.lines(half);
+        QCOMPARE(lines.size(), 1u);
+        QCOMPARE(lines[0].substr(0, 7), std::string("100001\t"));
+        QVERIFY(lines[0].find("after") != std::string::npos);
+    }
+}
+
+void tst_SharedLog::glance()
+{
+    QCOMPARE(peekLog().presence, LogStatus::Presence::Absent);
+    LogOwner owner(500, 4000);
+    QCOMPARE(owner.openResult(), LogOwner::OpenResult::Created);
+    CLogWriter writer;
+    CLiveLogReader reader;
+    writer.SendEvent(QStringLiteral("1"), QString(), QString());
+    owner.drain();
+    writer.SendEvent(QStringLiteral("2"), QString(), QString());
+    const LogStatus status = peekLog();
+    QCOMPARE(status.presence, LogStatus::Presence::Present);
+    QCOMPARE(status.bufferSize, 500);
+    QCOMPARE(status.owners, 1);
+    QCOMPARE(status.writers, 1);
+    QCOMPARE(status.readers, 1);
+    QCOMPARE(status.fill[0], 2 * status.fill[1]);
+    QCOMPARE(status.stagedBytes, static_cast<std::uint64_t>(status.fill[1]));
+    QCOMPARE(status.reserveBytes, 4000u);
+    QCOMPARE(status.linesNumbered, 2u);
+    QCOMPARE(status.nextIndex, 100002);
+    QVERIFY(status.ownerAlive && !status.viewerAlive && !status.lockHeld);
+    QVERIFY(status.acceptsDataBlocks && status.hasReserve);
+    QCOMPARE(owner.GetIndex(), 100002L);
+}
+
+void tst_SharedLog::viewerClaim()
+{
+    LogViewerClaim first;
+    LogViewerClaim second;
+    QVERIFY(!LogViewerClaim::isTaken());
+    QVERIFY(first.take() && first.take());
+    QVERIFY(LogViewerClaim::isTaken() && !second.take());
+    first.release();
+    QVERIFY(!LogViewerClaim::isTaken() && second.take());
+}
+
+QTEST_GUILESS_MAIN(tst_SharedLog)
+#include "tst_sharedlog.moc"
