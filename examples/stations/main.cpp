@@ -24,7 +24,8 @@ void requestStop(int)
     stopRequested = 1;
 }
 
-struct Options {
+struct Options
+{
     QString name;
     int intervalMs = 100;
     unsigned steps = 0; ///< 0 is without end
@@ -41,9 +42,9 @@ Options parse(const QCoreApplication& application)
     const QCommandLineOption interval(QStringLiteral("interval"),
                                       QStringLiteral("Milliseconds between two channels (100)."),
                                       QStringLiteral("ms"), QStringLiteral("100"));
-    const QCommandLineOption steps(
-        QStringLiteral("steps"), QStringLiteral("End after so many channels; 0 is never (0)."),
-        QStringLiteral("count"), QStringLiteral("0"));
+    const QCommandLineOption steps(QStringLiteral("steps"),
+                                   QStringLiteral("End after so many channels; 0 is never (0)."),
+                                   QStringLiteral("count"), QStringLiteral("0"));
     const QCommandLineOption instance(QStringLiteral("instance"),
                                       QStringLiteral("Take part in the log of this name."),
                                       QStringLiteral("name"));

@@ -51,12 +51,16 @@ void Station::measure(double frequencyHz)
     if (m_step % 13 == 7)
         _Q_require(L"stations/station", __LINE__); // An antenna was asked for that is not there.
     if (levelDbm > -60)
-        ErrorHandler::Interface()->ProtocolMessage(
-            QStringLiteral("strong carrier, %1 dBm at %2").arg(levelDbm).arg(megahertz(frequencyHz)),
-            QStringLiteral("stations/station"), QStringLiteral("Station"),
-            QStringLiteral("measure"), __LINE__, 2);
+        ErrorHandler::Interface()->ProtocolMessage(QStringLiteral("strong carrier, %1 dBm at %2")
+                                                       .arg(levelDbm)
+                                                       .arg(megahertz(frequencyHz)),
+                                                   QStringLiteral("stations/station"),
+                                                   QStringLiteral("Station"),
+                                                   QStringLiteral("measure"), __LINE__, 2);
     if (ErrorHandler::Instance().GetMessageMask() & 32)
-        _Q_Trace(QStringLiteral("%1: %2 dBm at %3").arg(m_name).arg(levelDbm).arg(
-                     megahertz(frequencyHz)),
+        _Q_Trace(QStringLiteral("%1: %2 dBm at %3")
+                     .arg(m_name)
+                     .arg(levelDbm)
+                     .arg(megahertz(frequencyHz)),
                  QStringLiteral("stations/station"), __LINE__);
 }

@@ -87,11 +87,11 @@ void Conductor::startOwner()
     m_owner = std::make_unique<QProcess>();
     m_owner->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_owner->setStandardOutputFile(QProcess::nullDevice());
-    m_owner->start(vlbase(), {QStringLiteral("log"), QStringLiteral("own"),
-                              QStringLiteral("--instance"), m_instance, QStringLiteral("--file"),
-                              m_directory.filePath(QStringLiteral("log")),
-                              QStringLiteral("--buffer-size"),
-                              QString::number(m_scenario.bufferBytes)});
+    m_owner->start(vlbase(),
+                   {QStringLiteral("log"), QStringLiteral("own"), QStringLiteral("--instance"),
+                    m_instance, QStringLiteral("--file"),
+                    m_directory.filePath(QStringLiteral("log")), QStringLiteral("--buffer-size"),
+                    QString::number(m_scenario.bufferBytes)});
 }
 
 void Conductor::startViewer()
@@ -111,8 +111,7 @@ void Conductor::startWriter(Writer& writer)
     writer.process->start(QCoreApplication::applicationFilePath(),
                           {QStringLiteral("writer"), m_instance,
                            m_directory.filePath(QStringLiteral("tally")),
-                           QString::number(writer.slot),
-                           QString::number(m_scenario.linesPerWriter),
+                           QString::number(writer.slot), QString::number(m_scenario.linesPerWriter),
                            QString::number(m_scenario.fullBufferWaitMs)});
 }
 
@@ -181,8 +180,7 @@ void Conductor::hold()
 void Conductor::awaitWriters()
 {
     for (Writer& writer : m_writers) {
-        if (writer.process->waitForFinished(10 * processLimitMs) &&
-            writer.process->exitCode() == 0)
+        if (writer.process->waitForFinished(10 * processLimitMs) && writer.process->exitCode() == 0)
             continue;
         m_faults << QStringLiteral("writer %1 did not end well: %2")
                         .arg(writer.slot)

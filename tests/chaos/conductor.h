@@ -12,7 +12,8 @@
 #include <vector>
 
 /// What a run does to whom.
-struct Scenario {
+struct Scenario
+{
     int writers = 4;
     quint64 linesPerWriter = 0; ///< 0: until all blows have fallen
     int bufferBytes = 1 << 20;
@@ -37,7 +38,8 @@ public:
     Verdict run();
 
 private:
-    struct Writer {
+    struct Writer
+    {
         std::unique_ptr<QProcess> process;
         int slot = 0;
     };

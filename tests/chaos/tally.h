@@ -10,7 +10,8 @@
 class Tally
 {
 public:
-    struct Slot {
+    struct Slot
+    {
         std::atomic<quint64> started;  ///< calls begun
         std::atomic<quint64> returned; ///< calls that came back
         std::atomic<quint64> longestCallUs;
@@ -28,7 +29,8 @@ public:
     bool isStopRequested() const { return m_header->stop != 0; }
 
 private:
-    struct Header {
+    struct Header
+    {
         std::atomic<quint64> stop;
         std::atomic<quint64> reserved[7];
     };

@@ -84,7 +84,8 @@ void ChaosTest::everyLineIsFiledOrCounted()
     QVERIFY(verdict.filed > 0);
     QVERIFY(verdict.filed + verdict.countedLost >= verdict.returnedCalls);
     QVERIFY(verdict.filed + verdict.countedLost <= verdict.startedCalls);
-    QVERIFY2(verdict.missingReturned <= verdict.countedLost, "a line was lost without being counted");
+    QVERIFY2(verdict.missingReturned <= verdict.countedLost,
+             "a line was lost without being counted");
 
     const bool mayEmpty = scenario.writerStops + scenario.holds > 0;
     if (scenario.fullBufferWaitMs > 0 && !mayEmpty) {

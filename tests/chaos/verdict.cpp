@@ -55,10 +55,11 @@ public:
         for (int slot = 0; slot < m_tally.slotCount(); ++slot) {
             const auto& seen = m_seen[static_cast<std::size_t>(slot)];
             const quint64 returned = m_tally.slot(slot).returned;
-            const auto filed = static_cast<quint64>(std::count(
-                seen.begin(), seen.begin() + std::min<qint64>(static_cast<qint64>(returned),
-                                                              static_cast<qint64>(seen.size())),
-                true));
+            const auto filed = static_cast<quint64>(
+                std::count(seen.begin(),
+                           seen.begin() + std::min<qint64>(static_cast<qint64>(returned),
+                                                           static_cast<qint64>(seen.size())),
+                           true));
             m_verdict.missingReturned += returned - filed;
             m_verdict.startedCalls += m_tally.slot(slot).started;
             m_verdict.returnedCalls += returned;
@@ -71,8 +72,9 @@ private:
         // The owner's own count of what is missing must lead to just this index.
         m_position += m_lostHere;
         if (indexAt(m_position) != index)
-            fault(QStringLiteral("index %1 where %2 was due: ").arg(index).arg(indexAt(m_position)) +
-                  text.left(80));
+            fault(
+                QStringLiteral("index %1 where %2 was due: ").arg(index).arg(indexAt(m_position)) +
+                text.left(80));
         ++m_position;
         m_verdict.countedLost += m_lostHere;
         m_lostHere = 0;
