@@ -22,7 +22,7 @@ public:
     using CMMShared::GetIndex;
 };
 
-QString vlbase()
+QString vlbaseProgram()
 {
     return QCoreApplication::applicationDirPath() + QStringLiteral("/vlbase");
 }
@@ -87,7 +87,7 @@ void Conductor::startOwner()
     m_owner = std::make_unique<QProcess>();
     m_owner->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_owner->setStandardOutputFile(QProcess::nullDevice());
-    m_owner->start(vlbase(),
+    m_owner->start(vlbaseProgram(),
                    {QStringLiteral("log"), QStringLiteral("own"), QStringLiteral("--instance"),
                     m_instance, QStringLiteral("--file"),
                     m_directory.filePath(QStringLiteral("log")), QStringLiteral("--buffer-size"),
@@ -99,8 +99,8 @@ void Conductor::startViewer()
     m_viewer = std::make_unique<QProcess>();
     m_viewer->setStandardOutputFile(QProcess::nullDevice());
     m_viewer->setStandardErrorFile(QProcess::nullDevice());
-    m_viewer->start(vlbase(), {QStringLiteral("log"), QStringLiteral("tail"),
-                               QStringLiteral("--instance"), m_instance});
+    m_viewer->start(vlbaseProgram(), {QStringLiteral("log"), QStringLiteral("tail"),
+                                      QStringLiteral("--instance"), m_instance});
 }
 
 void Conductor::startWriter(Writer& writer)

@@ -1,11 +1,11 @@
 #include "tally.h"
 
-bool Tally::open(const QString& fileName, int slots)
+bool Tally::open(const QString& fileName, int count)
 {
     m_file.setFileName(fileName);
     if (!m_file.open(QIODevice::ReadWrite))
         return false;
-    if (slots > 0 && !m_file.resize(qint64{64} * (slots + 1)))
+    if (count > 0 && !m_file.resize(qint64{64} * (count + 1)))
         return false;
     uchar* const base = m_file.map(0, m_file.size());
     if (!base)

@@ -18,8 +18,8 @@ public:
         std::atomic<quint64> reserved[5]; ///< keeps the slots of two processes apart
     };
 
-    /// \param slots how many there are; 0 attaches to what another process has made
-    bool open(const QString& fileName, int slots);
+    /// \param count how many there are; 0 attaches to what another process has made
+    bool open(const QString& fileName, int count);
 
     Slot& slot(int number) { return m_slots[number]; }
     int slotCount() const { return m_count; }
