@@ -1,0 +1,3 @@
+#include "ivelaos.h"
+
+IVelaOS::~IVelaOS() = default;

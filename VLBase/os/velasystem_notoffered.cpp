@@ -1,0 +1,116 @@
+// Operations that are not offered on any system yet. Each one answers its failure and leaves the
+// system's code for "not supported" behind, so that no caller takes it for done.
+
+#include "velasystem.h"
+
+#include <VLBase/platform/lasterror.h>
+
+namespace {
+
+template <typename Answer> Answer notOffered(Answer failure)
+{
+    vlbase::platform::setLastErrorNotSupported();
+    return failure;
+}
+
+} // namespace
+
+const char* VelaSystem::GetIdMac(int)
+{
+    return notOffered("");
+}
+
+const char* VelaSystem::GetIpAddress(int)
+{
+    return notOffered("");
+}
+
+bool VelaSystem::SetSystemTime(int, int, int, int, int, int, int, bool)
+{
+    return notOffered(false);
+}
+
+qint64 VelaSystem::ShellExec(const QString&)
+{
+    return notOffered(qint64{0});
+}
+
+int VelaSystem::SystemSound(int)
+{
+    return notOffered(-1);
+}
+
+void VelaSystem::Play(void*)
+{
+    vlbase::platform::setLastErrorNotSupported();
+}
+
+Icmp_Echo_Result VelaSystem::Ping(int, int, const char*)
+{
+    return notOffered(Icmp_Echo_Result{});
+}
+
+bool VelaSystem::GetWindowPositions(int&, int&, int&, int&, int&, int)
+{
+    return notOffered(false);
+}
+
+void VelaSystem::SetWindowPositions(int, int, int, int, int, int)
+{
+    vlbase::platform::setLastErrorNotSupported();
+}
+
+bool VelaSystem::StartHiddenLegacyProgram(const wchar_t*, const wchar_t*, int&)
+{
+    return notOffered(false);
+}
+
+bool VelaSystem::IsProcessIdle(int)
+{
+    return notOffered(false);
+}
+
+int VelaSystem::FindProcess(const wchar_t*)
+{
+    return notOffered(-1);
+}
+
+void VelaSystem::SetPriorityHigh()
+{
+    vlbase::platform::setLastErrorNotSupported();
+}
+
+bool VelaSystem::ShutdownOS()
+{
+    return notOffered(false);
+}
+
+bool VelaSystem::RebootOS()
+{
+    return notOffered(false);
+}
+
+QIcon VelaSystem::GetIconById(int)
+{
+    return notOffered(QIcon());
+}
+
+bool VelaSystem::SetWindowToForeground(HWND)
+{
+    return notOffered(false);
+}
+
+bool VelaSystem::SetWindowToForeground(const QString&)
+{
+    return notOffered(false);
+}
+
+bool VelaSystem::SetWindowToForeground(PROCESS_INFORMATION*)
+{
+    return notOffered(false);
+}
+
+void VelaSystem::BroadcastTerminationMessage()
+{
+    vlbase::platform::setLastErrorNotSupported();
+}

@@ -1,0 +1,28 @@
+#include <VLBase/platform/lasterror.h>
+
+#include <cerrno>
+
+namespace vlbase::platform {
+
+namespace {
+
+thread_local std::uint32_t s_code = 0;
+
+} // namespace
+
+std::uint32_t lastError()
+{
+    return s_code;
+}
+
+void setLastError(std::uint32_t code)
+{
+    s_code = code;
+}
+
+void setLastErrorNotSupported()
+{
+    s_code = ENOSYS;
+}
+
+} // namespace vlbase::platform

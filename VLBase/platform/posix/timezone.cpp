@@ -1,0 +1,74 @@
+#include <VLBase/platform/posix/zonerules.h>
+#include <VLBase/platform/timezone.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+
+namespace vlbase::platform {
+
+namespace {
+
+struct LocalTime
+{
+    long offset; // seconds east of Greenwich
+    bool isDaylight;
+};
+
+std::optional<LocalTime> localTimeAt(std::time_t instant)
+{
+    std::tm local{};
+    if (::localtime_r(&instant, &local) == nullptr)
+        return std::nullopt;
+    return LocalTime{local.tm_gmtoff, local.tm_isdst > 0};
+}
+
+/// The offset of the nearest time in the direction of \a step, within a year, in which the clocks
+/// stand otherwise than at \a instant because of daylight saving. Shifts of more than two hours,
+/// or of none, come from a move of the zone itself.
+std::optional<long> otherSeason(std::time_t instant, const LocalTime& here, std::time_t step)
+{
+    constexpr std::time_t year = 366 * 86400L;
+    constexpr long largestSaving = 2 * 3600L;
+    for (std::time_t distance = step; std::abs(distance) <= year; distance += step) {
+        const auto there = localTimeAt(instant + distance);
+        if (!there || there->isDaylight == here.isDaylight || there->offset == here.offset)
+            continue;
+        if (std::abs(there->offset - here.offset) <= largestSaving)
+            return there->offset;
+    }
+    return std::nullopt;
+}
+
+/// The zone's data say of a time only whether daylight saving is on, not by how much. So the
+/// seasons are compared: standard time is the one with the smaller offset. That also holds where
+/// the law has it the other way round (Ireland, Morocco: standard time in summer, an hour less
+/// as the exception), and it is how Windows describes those zones.
+long standardOffset(std::time_t instant, const LocalTime& here)
+{
+    constexpr std::time_t step = 14 * 86400L; // shorter than any season; Ramadan's has a month
+    auto other = otherSeason(instant, here, step);
+    // A zone may leave daylight saving for good and keep its offset, so that no other season
+    // follows. Looking back from standard time would find what was abolished.
+    if (!other && here.isDaylight)
+        other = otherSeason(instant, here, -step);
+    return other ? std::min(here.offset, *other) : here.offset;
+}
+
+} // namespace
+
+std::chrono::seconds localUtcOffsetAt(std::time_t instant, bool withDaylight)
+{
+    ::tzset(); // localtime_r alone need not notice a change of the zone
+    const auto here = localTimeAt(instant);
+    if (!here)
+        return std::chrono::seconds(0);
+    return std::chrono::seconds(withDaylight ? here->offset : standardOffset(instant, *here));
+}
+
+std::chrono::seconds localUtcOffset(bool withDaylight)
+{
+    return localUtcOffsetAt(std::time(nullptr), withDaylight);
+}
+
+} // namespace vlbase::platform
