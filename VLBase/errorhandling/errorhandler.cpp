@@ -131,17 +131,27 @@ ErrorHandler::ErrorHandler()
         this,
         SLOT(sl_protocolMessage(QString, QString, QString, QString, std::uint16_t, std::uint8_t)),
         Qt::QueuedConnection);
+    qAddPostRoutine(&ErrorHandler::DeliverQueued);
     TurnLogFileOn();
 }
 
 ErrorHandler::~ErrorHandler() = default;
 
+void ErrorHandler::DeliverQueued()
+{
+    ErrorHandler& handler = Instance();
+    if (handler.thread() == QThread::currentThread())
+        QCoreApplication::sendPostedEvents(&handler, QEvent::MetaCall);
+}
+
 void ErrorHandler::ProtocolMessage(QString text, QString fileName, QString className,
                                    QString methodName, unsigned short line, unsigned char level)
 {
     const QualityLock lock(m_QualityMutex);
-    // A tracer that answers each record with another would keep the event loop busy for ever.
-    if (m_bInsideTracer && thread() == QThread::currentThread())
+    // Without an application nothing is ever delivered, and a tracer that answers each record with
+    // a report would keep the event loop busy for ever.
+    const bool atOnce = m_bInsideTracer || QCoreApplication::closingDown();
+    if (atOnce && thread() == QThread::currentThread())
         sl_protocolMessage(text, fileName, className, methodName, line, level);
     else
         Q_EMIT si_protocolMessage(text, fileName, className, methodName, line, level);
@@ -386,10 +396,7 @@ void ErrorHandler::NotifyUncaughtHandlers()
 
 void ErrorHandler::Close()
 {
-    // Reports that are still under way would be lost otherwise. What belongs to another thread
-    // cannot be recorded here any more.
-    if (thread() == QThread::currentThread())
-        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+    qRemovePostRoutine(&ErrorHandler::DeliverQueued);
     QCoreApplication::removePostedEvents(this);
 
     std::vector<std::function<void()>> handlers;

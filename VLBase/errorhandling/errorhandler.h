@@ -35,9 +35,10 @@ class MessageList;
 /// the text log instead, so that a tracer which answers every record with a report comes to an
 /// end.
 ///
-/// When the library is unloaded, tracer and dialog are destroyed, reports that still wait for
-/// the event loop go to the text log, and that is closed. Reports that are made even later, by a
-/// thread that nobody has ended, do no harm.
+/// Reports that still wait for the event loop when the application object ends are recorded then,
+/// and later ones of the same thread at once, so that destructors of static objects may report.
+/// When the library is unloaded, tracer and dialog are destroyed and the text log is closed.
+/// Reports that are made even later, by a thread that nobody has ended, do no harm.
 class VLBASE_EXPORT ErrorHandler : public QObject, public IErrorHandler, public IErrorHandlerBase
 {
     Q_OBJECT
@@ -124,6 +125,7 @@ private:
     ~ErrorHandler() override;
 
     static Installed& installed();
+    static void DeliverQueued();
 
     void Configure();
     void Log(const VLException& exception, unsigned char level);
