@@ -9,6 +9,11 @@
 
 namespace vlbase::logging {
 
+namespace {
+// Lines that are late or repeated lie at most as far behind as a half can hold.
+constexpr std::uint64_t longestGap = 800000;
+} // namespace
+
 LineLedger::LineLedger(const LogReserve* reserve)
     : m_reserve(reserve)
 {
@@ -73,7 +78,7 @@ std::optional<LineLedger::Judgement> LineLedger::judgeSealed(std::string_view li
     return std::nullopt;
 }
 
-// The nearest place ahead. What would lie beyond the last number given out, or half a period
+// The nearest place ahead. What would lie beyond the last number given out, or most of a period
 // ahead where that is not known, lies behind.
 LineLedger::Judgement LineLedger::judgeByNumber(std::int32_t number)
 {
@@ -84,7 +89,7 @@ LineLedger::Judgement LineLedger::judgeByNumber(std::int32_t number)
     std::uint64_t nearest = std::numeric_limits<std::uint64_t>::max();
     for (const std::uint64_t slot : NumberSlots(number))
         nearest = std::min(nearest, positionFrom(*m_next, slot));
-    const std::uint64_t end = m_reserve ? m_reserve->reached() : *m_next + numberPeriod / 2;
+    const std::uint64_t end = m_reserve ? m_reserve->reached() : *m_next + longestGap;
     return nearest < end ? acceptAt(nearest) : Judgement{Verdict::Repeated, 0};
 }
 
@@ -136,7 +141,7 @@ std::uint64_t LineLedger::lostUpTo(long nextIndex)
             end -= std::min(end, numberPeriod);
     } else {
         end = m_next ? positionFrom(*m_next, *slot) : numberPeriod + *slot;
-        if (m_next && end - *m_next > numberPeriod / 2)
+        if (m_next && end - *m_next > longestGap)
             return 0;
     }
     const std::uint64_t lost = m_next && end > *m_next ? end - *m_next : 0;

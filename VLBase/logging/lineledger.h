@@ -16,9 +16,9 @@ class LogReserve;
 /// here, never both, also after kills, evictions and emptied halves. Lines are judged in the
 /// order of the drain.
 ///
-/// Line numbers alone tell this within half of their period of 900,000. With the reserve beside
-/// the log each line of this library's writers also has a seal, which tells its full position
-/// among all lines ever written and whether its bytes are whole.
+/// Line numbers alone tell this while fewer than 800,000 lines in a row are lost. With the reserve
+/// beside the log each line of this library's writers also has a seal, which tells its full
+/// position among all lines ever written and whether its bytes are whole.
 class VLBASE_EXPORT LineLedger
 {
 public:

@@ -79,6 +79,7 @@ std::string_view LogStaging::pending() const
         else
             stop = at;
     }
+    stop = std::min(stop, nextRound(begin + 1));
     return {m_ring + begin % m_size, static_cast<std::size_t>(stop - begin)};
 }
 
