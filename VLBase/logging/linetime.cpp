@@ -1,5 +1,7 @@
 #include "linetime.h"
 
+#include <VLBase/os/velaos.h>
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
@@ -8,15 +10,6 @@
 #include <chrono>
 
 namespace vlbase::logging {
-
-namespace {
-
-qint64 zoneOffsetMicroseconds()
-{
-    return qint64(QDateTime::currentDateTime().offsetFromUtc()) * 1000000;
-}
-
-} // namespace
 
 void LineTime::update()
 {
@@ -27,7 +20,7 @@ void LineTime::update()
         return;
     const QString time = QDateTime::fromSecsSinceEpoch(second, Qt::UTC)
                              .toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
-    const auto offset = static_cast<double>(zoneOffsetMicroseconds());
+    const auto offset = static_cast<double>(VelaOS::Get().GetTimezoneOffset(true));
     const QByteArray text = QStringLiteral("%1\tUTC: %2").arg(time).arg(offset, 0, 'f').toUtf8();
     m_length = std::min(static_cast<std::size_t>(text.size()), sizeof m_text);
     std::copy_n(text.data(), m_length, m_text);
