@@ -1,30 +1,42 @@
 #include "contest.h"
 
 #include "peers.h"
+#include "race.h"
+#include "sharedlog.h"
 
 #include <cstdio>
+#include <functional>
+#include <map>
+#include <memory>
 #include <unistd.h>
 
 namespace bench {
 
 namespace {
 
+constexpr int halfBytes = 1 << 20;
+
 struct Contender
 {
     std::string name;
     std::function<std::unique_ptr<Transport>()> make;
-    /// Goals for ours / this one in lines per second, by number of writers.
-    std::map<int, double> goals;
+    /// Goals for our ready lines in units of this one's, by number of writers.
+    std::map<int, double> goals = {};
     Series linesPerSecond = {};
-    std::uint64_t spoilt = 0; ///< runs that lost, tore or repeated a line, or did not end
+    int spoilt = 0; ///< runs that lost, tore or repeated a line, or did not end
 };
 
 std::vector<Contender> contenders(const Options& options)
 {
     const auto path = [folder = options.folder] { return folder + '/' + uniqueName() + ".log"; };
+    const auto ours = [](SharedLogLine line) {
+        return [line] { return makeSharedLog(uniqueName(), line, FullBuffer::Wait, halfBytes); };
+    };
     return {
+        {"shared log, ready line", ours(SharedLogLine::Ready)},
+        {"shared log, SendError", ours(SharedLogLine::Sent)},
         {"Boost.Log queue", [] { return makeBoostLogQueue(uniqueName()); }, {{1, 1.0}, {4, 1.3}}},
-        {"Interprocess queue", [] { return makeInterprocessQueue(uniqueName()); }, {}},
+        {"Interprocess queue", [] { return makeInterprocessQueue(uniqueName()); }},
         {"write, O_APPEND", [path] { return makeAppendedFile(path()); }, {{4, 2.5}}},
         {"spdlog, flush each", [path] { return makeSpdlogFile(path()); }, {{4, 3.0}}},
     };
@@ -34,31 +46,26 @@ void runOnce(Contender& contender, const RaceSetup& setup)
 {
     const auto transport = contender.make();
     const auto result = runRace(*transport, setup);
-    if (!result || !result->complete()) {
+    if (result && result->complete())
+        contender.linesPerSecond.add(result->linesPerSecond());
+    else
         ++contender.spoilt;
-        return;
-    }
-    contender.linesPerSecond.add(result->linesPerSecond());
 }
 
-void printRow(const Contender& contender, const Contender& ours, int writers)
+void printRow(const Contender& contender, const Contender& ready, const Contender& sent,
+              int writers)
 {
-    const Series gain = ratio(ours.linesPerSecond, contender.linesPerSecond);
+    const Series gain = ratio(ready.linesPerSecond, contender.linesPerSecond);
     const auto goal = contender.goals.find(writers);
-    std::string verdict;
-    if (goal != contender.goals.end() && !gain.isEmpty()) {
-        char text[64];
-        std::snprintf(text, sizeof text, ">= %.1f: %s", goal->second,
-                      gain.median() >= goal->second ? "met" : "MISSED");
-        verdict = text;
-    }
+    const std::string met = goal == contender.goals.end() ? "" : verdict(gain, goal->second);
     Series thousands;
     for (const double value : contender.linesPerSecond.values())
         thousands.add(value / 1000);
-    std::printf("| %d | %-18s | %-22s | %-20s | %-12s |", writers, contender.name.c_str(),
-                thousands.text(0).c_str(), gain.text(2).c_str(), verdict.c_str());
+    std::printf("| %d | %-22s | %-23s | %-19s | %-19s | %s |", writers, contender.name.c_str(),
+                thousands.text(0).c_str(), gain.text(2).c_str(),
+                ratio(sent.linesPerSecond, contender.linesPerSecond).text(2).c_str(), met.c_str());
     if (contender.spoilt > 0)
-        std::printf(" %llu of the runs spoilt", static_cast<unsigned long long>(contender.spoilt));
+        std::printf(" %d runs SPOILT", contender.spoilt);
     std::printf("\n");
 }
 
@@ -70,12 +77,22 @@ std::string uniqueName()
     return "vlbench-" + std::to_string(::getpid()) + '-' + std::to_string(++counter);
 }
 
+std::string verdict(const Series& gain, double goal)
+{
+    if (gain.isEmpty())
+        return "NOT MEASURED";
+    char text[64];
+    std::snprintf(text, sizeof text, ">= %.2g: %s", goal, gain.median() >= goal ? "met" : "MISSED");
+    return text;
+}
+
 void runContest(const Options& options)
 {
-    std::printf("\n%llu lines of %zu bytes, %d repetitions; medians (least to greatest)\n\n"
-                "| writers | transport | 1000 lines/s | ours / this | goal |\n"
-                "|--:|---|--:|--:|---|\n",
-                static_cast<unsigned long long>(options.lines), lineLength, options.repetitions);
+    std::printf(
+        "\n%llu lines of %zu bytes, %d repetitions; medians (least to greatest)\n\n"
+        "| writers | transport | 1000 lines/s | ready line / this | SendError / this | goal "
+        "|\n|--:|---|--:|--:|--:|---|\n",
+        static_cast<unsigned long long>(options.lines), lineLength, options.repetitions);
     for (const int writers : options.writers) {
         RaceSetup setup;
         setup.writers = writers;
@@ -86,7 +103,7 @@ void runContest(const Options& options)
                 runOnce(contender, setup);
         }
         for (const Contender& contender : field)
-            printRow(contender, field.front(), writers);
+            printRow(contender, field[0], field[1], writers);
         std::fflush(stdout);
     }
 }

@@ -1,11 +1,7 @@
 #pragma once
 
-#include "race.h"
-#include "series.h"
+#include "../series.h"
 
-#include <functional>
-#include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,5 +20,14 @@ std::string uniqueName();
 
 /// All transports against each other, and ours against the goals.
 void runContest(const Options& options);
+
+/// What a viewer, draining or stopped, changes for the writers of the shared log.
+void runViewers(const Options& options);
+
+/// Writers that do not wait for the owner: what is lost, and whether it was counted.
+void runLosses(const Options& options);
+
+/// ">= 1.3: met" or ">= 1.3: MISSED".
+std::string verdict(const Series& gain, double goal);
 
 } // namespace bench

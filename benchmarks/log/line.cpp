@@ -7,7 +7,7 @@ namespace bench {
 
 namespace {
 
-constexpr std::string_view head = "100000\t2026-03-01 12:00:00\tUTC: 1.000000\tstation-07\t"
+constexpr std::string_view head = "100000\t2026-03-01 12:00:00\tUTC: 0.000000\tstation-07\t"
                                   "receiver\tError\tinput 3 saturated\t";
 constexpr std::size_t tailLength = 2 + Counter::width;
 

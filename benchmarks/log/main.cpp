@@ -1,6 +1,7 @@
 // Processes that write, and one that receives: the shared log beside its peers.
 
 #include "contest.h"
+#include "line.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -73,6 +74,10 @@ int main(int argc, char** argv)
         std::fputs(usage, stderr);
         return 2;
     }
+    // One zone for all machines: its offset is part of every line.
+    ::setenv("TZ", "UTC", 1);
     bench::runContest(options);
+    bench::runViewers(options);
+    bench::runLosses(options);
     return 0;
 }

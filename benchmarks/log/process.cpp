@@ -115,6 +115,11 @@ bool Process::awaitStop()
     return ::waitpid(m_pid, &status, WUNTRACED) == m_pid && WIFSTOPPED(status);
 }
 
+void Process::resume()
+{
+    ::kill(m_pid, SIGCONT);
+}
+
 bool Process::awaitEnd()
 {
     int status = 0;

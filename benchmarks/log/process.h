@@ -59,6 +59,8 @@ public:
     void startStep();
     /// Waits until the child has stopped itself with SIGSTOP.
     bool awaitStop();
+    /// Lets a stopped child go on.
+    void resume();
     /// Waits until the child has ended; true when it ended by itself and in good order.
     bool awaitEnd();
 

@@ -137,8 +137,8 @@ bool Race::leave()
         }
     };
     end(m_senders);
-    if (m_setup.bystanderStops)
-        m_bystanders.clear();
+    for (Process& bystander : m_bystanders)
+        bystander.resume();
     end(m_bystanders);
     end(m_receivers);
     return good;
