@@ -1,0 +1,53 @@
+#include "ensureatleastoneactionischecked.h"
+
+#include <QAction>
+#include <QPointer>
+
+#include <algorithm>
+#include <utility>
+
+namespace QActionHelpers {
+
+EnsureAtLeastOneActionIsCheckedHandler::EnsureAtLeastOneActionIsCheckedHandler(
+    QList<QAction*> actions, QObject* parent)
+    : QObject(parent)
+    , m_actions(std::move(actions))
+{
+    m_actions.removeAll(nullptr);
+    for (QAction* action : std::as_const(m_actions)) {
+        connect(action, SIGNAL(toggled(bool)), this, SLOT(onToggled(bool)), Qt::UniqueConnection);
+        connect(action, &QObject::destroyed, this, &EnsureAtLeastOneActionIsCheckedHandler::forget);
+    }
+    if (!m_actions.isEmpty() && !isAnyChecked())
+        m_actions.first()->setChecked(true);
+}
+
+void EnsureAtLeastOneActionIsCheckedHandler::onToggled(bool checked)
+{
+    if (checked || m_restoring)
+        return;
+    if (isAnyChecked())
+        return;
+    auto* action = qobject_cast<QAction*>(sender());
+    if (!action)
+        return;
+    // Others hear of the restored state too and may end this object.
+    const QPointer<EnsureAtLeastOneActionIsCheckedHandler> self(this);
+    m_restoring = true;
+    action->setChecked(true);
+    if (self)
+        m_restoring = false;
+}
+
+void EnsureAtLeastOneActionIsCheckedHandler::forget(QObject* destroyed)
+{
+    m_actions.removeIf([destroyed](const QAction* action) { return action == destroyed; });
+}
+
+bool EnsureAtLeastOneActionIsCheckedHandler::isAnyChecked() const
+{
+    return std::any_of(m_actions.cbegin(), m_actions.cend(),
+                       [](const QAction* action) { return action->isChecked(); });
+}
+
+} // namespace QActionHelpers

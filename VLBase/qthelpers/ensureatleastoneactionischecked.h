@@ -1,0 +1,35 @@
+#pragma once
+
+#include <VLBase/vlbase_export.h>
+
+#include <QList>
+#include <QObject>
+
+class QAction;
+
+namespace QActionHelpers {
+
+/// Keeps at least one of several checkable actions checked, any number of them being allowed.
+///
+/// Unchecking the last checked one is undone. An action that ends is no longer watched.
+class VLBASE_EXPORT EnsureAtLeastOneActionIsCheckedHandler : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Checks the first of the actions at once if none is checked.
+    explicit EnsureAtLeastOneActionIsCheckedHandler(QList<QAction*> actions,
+                                                    QObject* parent = nullptr);
+
+private Q_SLOTS:
+    void onToggled(bool checked);
+
+private:
+    void forget(QObject* destroyed);
+    bool isAnyChecked() const;
+
+    QList<QAction*> m_actions;
+    bool m_restoring = false;
+};
+
+} // namespace QActionHelpers

@@ -1,0 +1,50 @@
+#include "qfiledialoghelpers.h"
+
+#include <VLBase/qthelpers/lastowner.h>
+#include <VLBase/qthelpers/signalhandler.h>
+
+#include <QTimer>
+
+namespace QFileDialogHelpers {
+
+using QObjectHelpers::SignalHandler;
+
+AsyncGetExistingDirectory::AsyncGetExistingDirectory(QWidget* parent, const QString& caption,
+                                                     const QString& directory,
+                                                     QFileDialog::Options options)
+    : QObject(parent)
+    , m_parent(parent)
+    , m_caption(caption)
+    , m_directory(directory)
+    , m_options(options)
+{
+}
+
+AsyncGetExistingDirectory::~AsyncGetExistingDirectory() = default;
+
+void AsyncGetExistingDirectory::asyncGetExistingDirectory(
+    const std::function<void(const QString&)>& onSelected, QWidget* parent, const QString& caption,
+    const QString& directory, QFileDialog::Options options)
+{
+    auto* chooser = new AsyncGetExistingDirectory(parent, caption, directory, options);
+    if (!parent)
+        vlbase::qthelpers::deleteWithEventLoop(chooser);
+    chooser->m_handler.reset(
+        SignalHandler::createHandler<void(const QString&)>(onSelected, nullptr));
+    connect(chooser, SIGNAL(fileSelected(QString)), chooser->m_handler.get(),
+            SLOT(onSignal(QString)));
+    connect(chooser, SIGNAL(fileSelected(QString)), chooser, SLOT(deleteLater()));
+    QTimer::singleShot(0, chooser, SLOT(onStart()));
+}
+
+void AsyncGetExistingDirectory::onStart()
+{
+    // The dialog runs an event loop, in which the parent may end, and this object with it.
+    const QPointer<AsyncGetExistingDirectory> self(this);
+    const QString directory =
+        QFileDialog::getExistingDirectory(m_parent, m_caption, m_directory, m_options);
+    if (self)
+        Q_EMIT fileSelected(directory);
+}
+
+} // namespace QFileDialogHelpers
