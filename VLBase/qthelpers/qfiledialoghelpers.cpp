@@ -4,6 +4,7 @@
 #include <VLBase/qthelpers/signalhandler.h>
 
 #include <QTimer>
+#include <QUrl>
 
 namespace QFileDialogHelpers {
 
@@ -39,10 +40,17 @@ void AsyncGetExistingDirectory::asyncGetExistingDirectory(
 
 void AsyncGetExistingDirectory::onStart()
 {
-    // The dialog runs an event loop, in which the parent may end, and this object with it.
+    // The dialog runs an event loop, in which the parent may end, and with it this object and the
+    // dialog. QFileDialog's own function for the question keeps its dialog on the stack, where a
+    // parent must not delete it.
     const QPointer<AsyncGetExistingDirectory> self(this);
-    const QString directory =
-        QFileDialog::getExistingDirectory(m_parent, m_caption, m_directory, m_options);
+    const QPointer<QFileDialog> dialog = new QFileDialog(m_parent, m_caption, m_directory);
+    dialog->setOptions(m_options);
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setSupportedSchemes({QStringLiteral("file")});
+    const bool accepted = dialog->exec() == QDialog::Accepted && dialog;
+    const QString directory = accepted ? dialog->selectedUrls().value(0).toLocalFile() : QString();
+    delete dialog;
     if (self)
         Q_EMIT fileSelected(directory);
 }
