@@ -44,6 +44,8 @@ std::vector<Contender> contenders(const Options& options)
 
 void runOnce(Contender& contender, const RaceSetup& setup)
 {
+    if (stopAsked())
+        return;
     const auto transport = contender.make();
     const auto result = runRace(*transport, setup);
     if (result && result->complete())
@@ -65,7 +67,7 @@ void printRow(const Contender& contender, const Contender& ready, const Contende
                 thousands.text(0).c_str(), gain.text(2).c_str(),
                 ratio(sent.linesPerSecond, contender.linesPerSecond).text(2).c_str(), met.c_str());
     if (contender.spoilt > 0)
-        std::printf(" %d runs SPOILT", contender.spoilt);
+        std::printf(" SPOILT: %d", contender.spoilt);
     std::printf("\n");
 }
 

@@ -15,6 +15,9 @@ struct Options
     std::string folder; ///< where the files of the file loggers are made
 };
 
+/// Whether the user wants to leave after the present run.
+bool stopAsked();
+
 /// A name that no other run on this machine uses.
 std::string uniqueName();
 

@@ -3,6 +3,7 @@
 #include "contest.h"
 #include "line.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <getopt.h>
@@ -65,7 +66,24 @@ bool readOptions(int argc, char** argv, bench::Options& options)
            options.lines <= 50'000'000;
 }
 
+volatile std::sig_atomic_t stop = 0;
+
+// A run that is broken off would leave its queue behind; a second signal does it all the same.
+void stopOnSignals()
+{
+    struct sigaction action = {};
+    action.sa_handler = [](int) { stop = 1; };
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
+}
+
 } // namespace
+
+bool bench::stopAsked()
+{
+    return stop != 0;
+}
 
 int main(int argc, char** argv)
 {
@@ -76,8 +94,9 @@ int main(int argc, char** argv)
     }
     // One zone for all machines: its offset is part of every line.
     ::setenv("TZ", "UTC", 1);
+    stopOnSignals();
     bench::runContest(options);
     bench::runViewers(options);
     bench::runLosses(options);
-    return 0;
+    return bench::stopAsked() ? 1 : 0;
 }

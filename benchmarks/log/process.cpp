@@ -27,7 +27,7 @@ std::int64_t nanoseconds(clockid_t clock)
 
 [[noreturn]] void runChild(const Process::Body& body, int fd)
 {
-    std::signal(SIGINT, SIG_IGN); // the parent hears it too and ends its children
+    std::signal(SIGINT, SIG_IGN); // the parent hears it too and lets the run come to its end
 #ifdef __linux__
     prctl(PR_SET_PDEATHSIG, SIGKILL); // a sender may be blocked where it never sees the socket
 #endif
@@ -96,8 +96,11 @@ Process::~Process()
 bool Process::awaitStep(Report& report, std::chrono::seconds patience)
 {
     pollfd waiting{m_fd, POLLIN, 0};
-    const auto limit = std::chrono::milliseconds(patience);
-    if (::poll(&waiting, 1, static_cast<int>(limit.count())) != 1)
+    const auto limit = static_cast<int>(std::chrono::milliseconds(patience).count());
+    int ready = ::poll(&waiting, 1, limit);
+    while (ready < 0 && errno == EINTR)
+        ready = ::poll(&waiting, 1, limit);
+    if (ready != 1)
         return false;
     return ::read(m_fd, &report, sizeof report) == ssize_t{sizeof report};
 }

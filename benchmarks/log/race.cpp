@@ -223,8 +223,10 @@ std::optional<RaceResult> Race::run()
 
 std::optional<RaceResult> runRace(Transport& transport, const RaceSetup& setup)
 {
-    Race race(transport, setup);
-    return race.run();
+    const auto result = Race(transport, setup).run();
+    if (!result)
+        transport.sweep();
+    return result;
 }
 
 } // namespace bench

@@ -193,6 +193,18 @@ public:
         return std::make_unique<OwnerReceiver>(m_halfBytes);
     }
 
+    // An owner that opens a log without users removes it, and a viewer's claim likewise. In a
+    // process of its own, because a process keeps to one log.
+    void sweep() override
+    {
+        Process sweeper([this](const Parent&) {
+            joinLog(m_name);
+            const LogOwner owner(m_halfBytes);
+            vlbase::logging::LogViewerClaim().take();
+        });
+        sweeper.awaitEnd();
+    }
+
 private:
     std::string m_name;
     SharedLogLine m_line;

@@ -48,6 +48,9 @@ public:
 
     /// The file in which the lines end, one per row; empty when they go to a receiver.
     virtual std::string file() const { return {}; }
+
+    /// Removes what killed processes left behind.
+    virtual void sweep() {}
 };
 
 } // namespace bench

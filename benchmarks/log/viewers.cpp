@@ -57,6 +57,8 @@ RaceSetup setupFor(Viewer viewer, const std::string& name)
 
 void runOnce(Watched& watched, const Options& options, int writers, int halfBytes)
 {
+    if (stopAsked())
+        return;
     const std::string name = uniqueName();
     RaceSetup setup = setupFor(watched.viewer, name);
     setup.writers = writers;
@@ -79,7 +81,7 @@ void printRow(const Watched& watched, const Watched& absent, int writers, int ha
                 nameOf(watched.viewer), kept.text(2).c_str(), watched.cpuNsPerLine.text(0).c_str(),
                 watched.viewer == Viewer::Absent ? "" : verdict(kept, leastRate).c_str());
     if (watched.spoilt > 0)
-        std::printf(" %d runs SPOILT", watched.spoilt);
+        std::printf(" SPOILT: %d", watched.spoilt);
     std::printf("\n");
 }
 
@@ -112,6 +114,8 @@ void runLosses(const Options& options)
                 "|--:|--:|--:|--:|---|\n");
     for (const int writers : options.writers) {
         for (const int halfBytes : {64 << 10, 1 << 20}) {
+            if (stopAsked())
+                return;
             RaceSetup setup;
             setup.writers = writers;
             setup.lines = options.lines;
