@@ -2,12 +2,12 @@
 
 #include <QRecursiveMutex>
 
-#if defined(__has_feature)
+#if defined(__SANITIZE_THREAD__)
+#define VLBASE_THREAD_SANITIZER
+#elif defined(__has_feature)
 #if __has_feature(thread_sanitizer)
 #define VLBASE_THREAD_SANITIZER
 #endif
-#elif defined(__SANITIZE_THREAD__)
-#define VLBASE_THREAD_SANITIZER
 #endif
 
 #ifdef VLBASE_THREAD_SANITIZER
