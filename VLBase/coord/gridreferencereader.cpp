@@ -83,14 +83,16 @@ int numberOf(QStringView digits)
 bool readDigits(Reader& reader, GridReference& reference)
 {
     QStringView easting = reader.digits();
-    reader.skipSeparators();
-    QStringView northing = reader.digits();
-    if (!reader.atEnd())
-        return false;
-    if (northing.isEmpty() && easting.size() % 2 == 0) {
+    QStringView northing;
+    if (!reader.atEnd()) {
+        reader.skipSeparators();
+        northing = reader.digits();
+    } else if (easting.size() % 2 == 0) {
         northing = easting.sliced(easting.size() / 2);
         easting.chop(northing.size());
     }
+    if (!reader.atEnd())
+        return false;
     if (easting.size() != northing.size() || easting.isEmpty() || easting.size() > 5)
         return false;
 
