@@ -6,7 +6,8 @@
 
 /// \file
 /// UTM on a reference ellipsoid of choice, by J. P. Snyder's series (Map Projections: A Working
-/// Manual, 1987, pages 61 to 64), good to a centimetre inside a zone.
+/// Manual, 1987, pages 61 to 64), good to a centimetre inside a zone
+/// and to 3 cm in the wide ones of Svalbard.
 ///
 /// Angles are decimal degrees, grid values metres. Nothing is tested and nothing throws: garbage
 /// gives garbage, and NaN gives NaN. Any thread may call both functions at any time.

@@ -83,7 +83,8 @@ void TestUtm::converts()
     UTMtoLL(wgs84, northing, easting, zone, backLatitude, backLongitude);
     // The one of the way back is too large by 0.794e-9.
     QVERIFY(isNear(backLatitude, latitude * (1 + 0.794e-9), 2e-8));
-    QVERIFY(isNear(backLongitude, longitude, 2e-7));
+    // Six degrees from the meridian, in Svalbard, the series ends too early by 3 cm.
+    QVERIFY(isNear(backLongitude, longitude, longitude == 8.9 ? 1e-6 : 5e-8));
 }
 
 // Snyder, "Map Projections: A Working Manual", page 269: Clarke 1866, 40 30' N, 73 30' W.
