@@ -1,0 +1,244 @@
+#pragma once
+
+#include <VLBase/vlbase_export.h>
+
+#include <QObject>
+#include <QString>
+#include <QtGlobal>
+
+#include <vector>
+
+class QDomDocument;
+class QDomElement;
+
+// Frequency bands that a receiver steps through. A simple band is a raster of fixed spacing; a
+// GSM band numbers its channels, the frequency of channel n being
+//
+//     start frequency + (n - calculation factor) * step width
+//
+// and may consist of several sub-bands with channel ranges of their own. Frequencies are hertz.
+//
+// Channels are 32 bits wide on every platform: a number that does not fit an `unsigned long` of 32
+// bits is taken modulo 2^32, as a Windows caller passes it. Differences of channels are signed
+// 32-bit numbers. Nothing here throws, and every operation ends for every value of every field: a
+// number that fits no channel becomes the nearest value that does, not-a-number becomes channel 0.
+
+/// The two flavours of a band.
+enum BandType {
+    BandTypeSimple = 0, ///< a raster of fixed spacing
+    BandTypeGSM = 1,    ///< numbered channels
+};
+
+/// What `Band::FindFrequency` found.
+enum FrequencyFound {
+    FrequencyOnChannel = 0,       ///< exactly on a channel or a raster point
+    FrequencyBetweenChannels = 1, ///< inside the band, but beside its channels or raster points
+    FrequencyOutsideBand = 2,     ///< a GSM band without a channel at that frequency
+    FrequencyWithoutRaster = 3,   ///< a simple band that does not use its raster
+};
+
+class SubBandGSM;
+
+/// A band of numbered channels: the arithmetic between channels and frequencies.
+///
+/// Stepping and `GetFrequency` move a cursor, the channel value.
+class VLBASE_EXPORT BandGSM
+{
+public:
+    /// A band named "not defined": all numbers 0, no sub-band.
+    BandGSM();
+
+    /// A band that holds itself as its first sub-band.
+    /// \param channelCalculationFactor the channel that lies at `startFreq`
+    BandGSM(QString name, double stepWidth, double startFreq, unsigned long startChannel,
+            unsigned long stopChannel, unsigned long channelCalculationFactor);
+
+    BandGSM(const BandGSM& other);
+    BandGSM& operator=(const BandGSM& other);
+    virtual ~BandGSM();
+
+    /// Whether all fields but the type are equal, the cursor and the sub-bands included. A
+    /// frequency that is not a number equals nothing.
+    bool operator==(const BandGSM& other) const;
+    bool operator!=(const BandGSM& other) const { return !(*this == other); }
+
+    QString GetName() const { return m_name; }
+    BandType GetType() const { return m_type; }
+    bool GetGSM() const { return true; }
+
+    double GetStepWidth() const { return m_stepWidth; }
+    void SetStepWidth(double stepWidth) { m_stepWidth = stepWidth; }
+
+    /// Offset of a simple band's raster.
+    double GetOffset() const { return m_offset; }
+    void SetOffset(double offset) { m_offset = offset; }
+
+    /// Frequency of the channel that equals the calculation factor.
+    double GetStartFreq() const { return m_startFreq; }
+    void SetStartFreq(double startFreq) { m_startFreq = startFreq; }
+
+    unsigned long GetStartChannel() const { return m_startChannel; }
+    void SetStartChannel(unsigned long channel) { m_startChannel = static_cast<quint32>(channel); }
+
+    unsigned long GetStopChannel() const { return m_stopChannel; }
+    void SetStopChannel(unsigned long channel) { m_stopChannel = static_cast<quint32>(channel); }
+
+    unsigned long GetChannelCalculationFactor() const { return m_factor; }
+    void SetChannelCalculationFactor(unsigned long channel)
+    {
+        m_factor = static_cast<quint32>(channel);
+    }
+
+    /// The cursor: the channel that `GetFrequency` was last asked for, or stepping came to.
+    unsigned long GetChannelValue() const { return m_channelValue; }
+
+    /// Appends a range of channels. The band then starts at the lowest start channel and ends at
+    /// the highest stop channel of all its sub-bands, and its start frequency becomes their lowest
+    /// one, if that is above 0. Its calculation factor stays.
+    void AddSubBand(double stepWidth, double startFreq, unsigned long startChannel,
+                    unsigned long stopChannel, unsigned long channelCalculationFactor);
+
+    /// Frequency of a channel, which becomes the cursor; 0.0 when the band does not start above 0
+    /// Hz, or when none of its several sub-bands has the channel.
+    ///
+    /// A channel below the first one leaves the cursor alone and gives the cursor's frequency. A
+    /// channel above the last one of a band in one piece is computed like any other. A step width
+    /// of 0 becomes 10000 Hz. Where sub-bands overlap the last one counts.
+    double GetFrequency(unsigned long channel);
+
+    /// The channel nearest to a frequency, halves rounded up; also beyond the band's ends. In a
+    /// band of several sub-bands the channel at or below it, and 0 when no sub-band holds the
+    /// frequency.
+    unsigned long GetChannelForFrequency(double frequency) const;
+
+    /// Whether the band, or one of its several sub-bands, has the channel.
+    bool IsValidChannel(unsigned long channel) const;
+
+    /// The valid channel that replaces `channel`: itself when it is valid, and the start or stop
+    /// channel when it lies outside of them. In a gap between sub-bands it is the next valid one in
+    /// the direction given, or with neither the nearer edge of the gap (a tie goes up).
+    ///
+    /// A search that reaches the end of the numbers goes on at their other end; without any valid
+    /// channel `channel` is returned.
+    unsigned long GetNextValidChannel(unsigned long channel, bool up, bool down) const;
+
+    /// Start and stop channel. Always true.
+    bool GetChannelRange(int& first, int& last) const;
+
+    /// The channels between two frequencies; start and stop channel where the limits lie outside
+    /// the band, and for a simple band. Always true.
+    bool GetChannelRangeWithinFreqRange(int& first, int& last, double low, double high) const;
+
+    /// Whether the band, or one of its several sub-bands, reaches into a closed range of
+    /// frequencies. The limits may come in either order. A simple band always does.
+    bool HasChannelsWithinFreqRange(double low, double high) const;
+
+protected:
+    /// Replaces a step width of 0 by 10000 Hz.
+    void ensureStepWidth();
+
+    QString m_name;
+    double m_stepWidth = 0.0;
+    double m_offset = 0.0;
+    BandType m_type = BandTypeGSM;
+    double m_startFreq = 0.0;
+    quint32 m_startChannel = 0;
+    quint32 m_stopChannel = 0;
+    quint32 m_factor = 0;
+    quint32 m_channelValue = 0;
+    std::vector<SubBandGSM> m_subBands;
+
+private:
+    quint32 nextValid(quint32 channel, bool up) const;
+    quint32 nearestEdge(quint32 channel) const;
+    void takeOverSubBandLimits();
+};
+
+/// A range of channels of a `BandGSM`, with an empty name.
+class VLBASE_EXPORT SubBandGSM : public BandGSM
+{
+public:
+    SubBandGSM(double stepWidth, double startFreq, unsigned long startChannel,
+               unsigned long stopChannel, unsigned long channelCalculationFactor);
+};
+
+/// A named frequency band, simple or GSM, that can be shown, stepped through and kept as XML.
+///
+///     Band air(QStringLiteral("Air band"), 25000.0, 0.0, true);
+///     air.GetFrequency(0, 118'030'000.0);   // 118025000.0: down to the raster
+class VLBASE_EXPORT Band : public QObject, public BandGSM
+{
+    Q_OBJECT
+
+public:
+    /// A simple band without a name: a raster of 10000 Hz.
+    Band();
+
+    /// A simple band.
+    /// \param useRaster whether frequencies are snapped to the raster
+    Band(QString name, double spacing, double offset, bool useRaster);
+
+    /// A GSM band.
+    /// \param system whether it belongs to the built-in plan, and is kept by name only
+    Band(QString name, double stepWidth, double startFreq, unsigned long startChannel,
+         unsigned long stopChannel, unsigned long channelCalculationFactor, bool system);
+
+    /// Copies the band, not the `QObject`.
+    Band(const Band& other);
+    Band& operator=(const Band& other);
+    ~Band() override;
+
+    bool operator==(const Band& other) const;
+    bool operator!=(const Band& other) const { return !(*this == other); }
+
+    /// Orders by spacing alone; names and frequencies play no part.
+    bool operator<(const Band& other) const { return m_stepWidth < other.m_stepWidth; }
+
+    bool GetGSM() const { return m_type == BandTypeGSM; }
+    bool GetUseRaster() const { return m_useRaster; }
+    void SetUseRaster(bool useRaster) { m_useRaster = useRaster; }
+    bool isSystem() const { return m_system; }
+    bool isVisible() const { return m_visible; }
+
+    /// Hides the band, whatever the argument: bands are never shown again.
+    void setVisible(bool visible);
+
+    using BandGSM::GetFrequency;
+
+    /// Of a GSM band the frequency of `channel`; of a simple one `frequency`, snapped to the raster
+    /// when that is used. A spacing in whole hertz snaps down, any other to the nearest point.
+    double GetFrequency(unsigned long channel, double frequency);
+
+    /// Tells how a frequency lies in the band. A GSM band that holds it writes its channel, which
+    /// becomes the cursor; otherwise `channel` is left alone.
+    ///
+    /// Every frequency below the offset of a simple band counts as on its raster.
+    FrequencyFound FindFrequency(double frequency, unsigned long& channel);
+
+    /// The frequency one step further. A GSM band steps its cursor and stays within its channels,
+    /// a simple one steps from `current`.
+    /// \param canGoUp, canGoDown whether another step would stay within the limits
+    double GetNextFrequency(bool up, bool& canGoUp, bool& canGoDown, double current,
+                            double lowLimit, double highLimit);
+
+    /// Appends the band to `parent`, one element per field. A band of the built-in plan is its
+    /// name.
+    ///
+    /// The offset keeps six significant digits and the start frequency six decimals; the
+    /// calculation factor is not kept, because a reader takes the start channel for it.
+    void Save(QDomDocument& doc, QDomElement& parent) const;
+
+    /// Takes the fields over that the element's children name. Other elements are ignored;
+    /// sub-bands and the system and visible flags stay as they are. A child that is no element ends
+    /// the reading with a trace, what was read until then stays.
+    void Read(QDomDocument& doc, QDomElement& element);
+
+private:
+    void readField(const QString& tag, const QString& text);
+    double snapToRaster(double frequency) const;
+    double stepCursor(bool up, bool& canGoUp, bool& canGoDown, double lowLimit, double highLimit);
+
+    bool m_useRaster = true;
+    bool m_system = false;
+    bool m_visible = true;
+};
