@@ -124,7 +124,7 @@ void Conductor::dealBlows()
     };
     add(m_scenario.writerKills, &Conductor::killWriter);
     add(m_scenario.ownerKills, &Conductor::killOwner);
-    add(m_scenario.viewerKills, &Conductor::startViewer); // The one before dies with its object.
+    add(m_scenario.viewerKills, &Conductor::killViewer);
     add(m_scenario.writerStops, &Conductor::stopWriter);
     add(m_scenario.holds, &Conductor::hold);
     std::shuffle(blows.begin(), blows.end(), m_random);
@@ -150,6 +150,12 @@ void Conductor::killOwner()
     pause(200);
     end(*m_owner);
     startOwner();
+}
+
+void Conductor::killViewer()
+{
+    end(*m_viewer);
+    startViewer();
 }
 
 void Conductor::stopWriter()

@@ -50,6 +50,7 @@ private:
     void dealBlows();
     void killWriter();
     void killOwner();
+    void killViewer();
     void stopWriter();
     void hold();
     void awaitWriters();
