@@ -1,0 +1,116 @@
+#include "filetail.h"
+
+#include "logline.h"
+#include "ownnotice.h"
+
+#include <algorithm>
+#include <functional>
+#include <string_view>
+
+namespace vlbase::tool::log {
+namespace {
+
+constexpr std::int64_t blockBytes = 64 * 1024;
+
+// Not the whole of a huge file that is no log: lines without a number are rare.
+constexpr std::int64_t searchBytes = 64 * 1024 * 1024;
+
+template <typename File> std::int64_t findLastLineEnd(const File& file)
+{
+    std::string block(static_cast<std::size_t>(blockBytes), '\0');
+    std::int64_t end = std::max<std::int64_t>(file.size(), 0);
+    while (end > 0) {
+        const std::int64_t size = std::min(blockBytes, end);
+        const std::int64_t got =
+            file.readAt(end - size, block.data(), static_cast<std::size_t>(size));
+        if (got != size)
+            return end; // Not readable: nothing is known to be torn.
+        const std::size_t found =
+            std::string_view(block.data(), static_cast<std::size_t>(size)).rfind('\n');
+        if (found != std::string_view::npos)
+            return end - size + static_cast<std::int64_t>(found) + 1;
+        end -= size;
+    }
+    return 0;
+}
+
+/// Gives the file's whole lines from the last to the first, until `wantsMore` says no.
+void readLinesBackwards(const GrowingFile& file,
+                        const std::function<bool(std::string_view)>& wantsMore)
+{
+    std::int64_t start = endOfLastWholeLine(file);
+    const std::int64_t limit = start - std::min(start, searchBytes);
+    std::string text; // from `start` on, lines not given yet
+    while (start > limit) {
+        const std::int64_t size = std::min(blockBytes, start);
+        std::string block(static_cast<std::size_t>(size), '\0');
+        if (file.readAt(start - size, block.data(), block.size()) != size)
+            return;
+        start -= size;
+        text.insert(0, block);
+        while (text.size() > 1) {
+            const std::size_t before = text.rfind('\n', text.size() - 2);
+            if (before == std::string::npos && start > 0)
+                break;
+            const std::size_t begin = before == std::string::npos ? 0 : before + 1;
+            const std::string_view line =
+                std::string_view(text).substr(begin, text.size() - 1 - begin);
+            if (!wantsMore(line))
+                return;
+            text.resize(begin);
+        }
+    }
+}
+
+} // namespace
+
+std::int64_t endOfLastWholeLine(const GrowingFile& file)
+{
+    return findLastLineEnd(file);
+}
+
+std::int64_t endOfLastWholeLine(const platform::NativeFile& file)
+{
+    return findLastLineEnd(file);
+}
+
+FileTail readFileTail(const GrowingFile& file)
+{
+    FileTail tail;
+    LogLine parsed;
+    readLinesBackwards(file, [&](std::string_view line) {
+        if (const int index = lineIndex(line)) {
+            tail.kind = FileTail::Kind::Line;
+            tail.index = index;
+            tail.line = line;
+            return false;
+        }
+        if (!parseLogLine(line, parsed))
+            return true;
+        const auto notice = parseNotice(parsed);
+        if (!notice)
+            return true;
+        const bool begins = notice->kind == OwnNotice::Kind::LogBegins;
+        tail.kind = begins ? FileTail::Kind::LogBegins : FileTail::Kind::Line;
+        tail.index = begins ? notice->first : notice->last;
+        return false;
+    });
+    return tail;
+}
+
+FileTail readFileTail(FileStore& store, const std::string& name)
+{
+    for (const std::string& candidate : {name, name + ".1"}) {
+        if (!store.exists(candidate))
+            continue;
+        const auto file = store.open(candidate);
+        if (!file)
+            continue;
+        const FileTail tail = readFileTail(*file);
+        if (tail.kind != FileTail::Kind::Unknown)
+            return tail;
+    }
+    return {};
+}
+
+} // namespace vlbase::tool::log

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "filestore.h"
+#include "tools/vlbase/platform/nativefile.h"
+
+#include <cstdint>
+#include <string>
+
+namespace vlbase::tool::log {
+
+/// Where the last line that has a line end ends; 0 in a file without one.
+std::int64_t endOfLastWholeLine(const GrowingFile& file);
+std::int64_t endOfLastWholeLine(const platform::NativeFile& file);
+
+/// How far an earlier owner had come when it wrote its file.
+struct FileTail
+{
+    enum class Kind {
+        Unknown,   ///< no line of a log in it
+        LogBegins, ///< a log began, and no line of it came
+        Line,      ///< `index` is the last number that is written or counted as lost
+    };
+
+    Kind kind = Kind::Unknown;
+    int index = 0;
+    std::string line; ///< the last line, when `index` is that of a line and not of a notice
+};
+
+/// Looks for the last line that says how far its owner had come, backwards through the file.
+FileTail readFileTail(const GrowingFile& file);
+
+/// The same for a file and, when it says nothing, for F.1, to which it was just rotated.
+FileTail readFileTail(FileStore& store, const std::string& name);
+
+} // namespace vlbase::tool::log

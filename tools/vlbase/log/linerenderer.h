@@ -1,0 +1,41 @@
+#pragma once
+
+#include "logline.h"
+#include "ownnotice.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace vlbase::tool::log {
+
+/// Appends lines to a text in the form in which a viewer shows them.
+class LineRenderer
+{
+public:
+    virtual ~LineRenderer() = default;
+
+    virtual void appendLine(const LogLine& line, std::string& out) = 0;
+    /// A line without a header.
+    virtual void appendText(std::string_view text, std::string& out) = 0;
+    virtual void appendLost(const OwnNotice& lost, std::string& out) = 0;
+};
+
+enum class TimeShown { Local, Utc };
+enum class Colour { Never, PerLevel };
+
+/// Columns for people: time, level, station, module, and the event's fields. The columns of
+/// station and module are as wide as the widest name so far, up to a limit.
+std::unique_ptr<LineRenderer> makeColumnRenderer(TimeShown time, Colour colour);
+
+/// One JSON object for each line:
+///
+///     {"index":100000,"time":"2024-05-17T11:42:07Z","zoneOffsetUs":7200000000,"station":"s",
+///      "module":"m","level":"Error","fields":["a","b","c"]}
+///     {"text":"a line without a header"}
+///     {"lost":3,"first":100006,"last":100008}
+std::unique_ptr<LineRenderer> makeJsonRenderer();
+
+} // namespace vlbase::tool::log

@@ -1,0 +1,100 @@
+#include "ownnotice.h"
+
+#include <VLBase/logging/lineindex.h>
+#include <VLBase/logging/linetime.h>
+
+#include <charconv>
+
+namespace vlbase::tool::log {
+namespace {
+
+constexpr std::string_view moduleName = "vlbase log own";
+constexpr std::string_view lostText = " lost";
+constexpr std::string_view beginsText = "log begins";
+
+template <typename Number> std::optional<Number> numberIn(std::string_view text)
+{
+    Number value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || rest != end)
+        return std::nullopt;
+    return value;
+}
+
+std::string lostFields(const OwnNotice& notice)
+{
+    std::string text = std::to_string(notice.count);
+    text += notice.count == 1 ? " line" : " lines";
+    text += lostText;
+    text += '\t';
+    text += std::to_string(notice.first) + '-' + std::to_string(notice.last);
+    text += "\tnot drained in time, or cut off with their sender";
+    return text;
+}
+
+} // namespace
+
+std::string noticeLine(const OwnNotice& notice, const std::string& station)
+{
+    logging::LineTime time;
+    time.update();
+    std::string line = "------\t";
+    line += time.text();
+    line += '\t' + station + '\t';
+    line += moduleName;
+    switch (notice.kind) {
+    case OwnNotice::Kind::LinesLost:
+        line += "\tWarning\t" + lostFields(notice);
+        break;
+    case OwnNotice::Kind::LogBegins:
+        line += "\tEvent\t";
+        line += beginsText;
+        line += '\t' + std::to_string(notice.first) + '\t';
+        break;
+    }
+    return line + '\n';
+}
+
+std::optional<OwnNotice> parseNotice(const LogLine& line)
+{
+    if (line.index != 0 || line.module != moduleName || line.fields.size() != 3)
+        return std::nullopt;
+    OwnNotice notice;
+    if (line.fields[0] == beginsText) {
+        const auto first = numberIn<int>(line.fields[1]);
+        if (!first)
+            return std::nullopt;
+        notice.kind = OwnNotice::Kind::LogBegins;
+        notice.first = *first;
+        return notice;
+    }
+    const std::size_t dash = line.fields[1].find('-');
+    const std::size_t blank = line.fields[0].find(' ');
+    if (dash == std::string_view::npos || blank == std::string_view::npos)
+        return std::nullopt;
+    const auto count = numberIn<std::uint64_t>(line.fields[0].substr(0, blank));
+    const auto first = numberIn<int>(line.fields[1].substr(0, dash));
+    const auto last = numberIn<int>(line.fields[1].substr(dash + 1));
+    if (!count || !first || !last)
+        return std::nullopt;
+    notice.count = *count;
+    notice.first = *first;
+    notice.last = *last;
+    return notice;
+}
+
+OwnNotice noticeOfLost(std::uint64_t count, int last)
+{
+    using namespace logging;
+    const std::uint64_t lastSlot = *NumberSlots(last).begin();
+    const std::uint64_t slot =
+        (lastSlot + numberPeriod - (count - 1) % numberPeriod) % numberPeriod;
+    OwnNotice notice;
+    notice.count = count;
+    notice.first = slot == 0 ? firstNumber : firstNumber + static_cast<std::int32_t>(slot) - 1;
+    notice.last = last;
+    return notice;
+}
+
+} // namespace vlbase::tool::log

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tools/vlbase/command.h"
+
+/// The verbs of the shared log.
+namespace vlbase::tool::log {
+
+Command ownCommand();
+Command tailCommand();
+Command sendCommand();
+Command statusCommand();
+
+} // namespace vlbase::tool::log

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace vlbase::tool::platform {
+
+/// Tells two files apart, whatever names they have now.
+struct FileIdentity
+{
+    std::uint64_t volume = 0;
+    std::uint64_t number = 0;
+    bool isKnown = false; ///< false: there is no such file
+
+    friend bool operator==(const FileIdentity& a, const FileIdentity& b)
+    {
+        return a.isKnown && b.isKnown && a.volume == b.volume && a.number == b.number;
+    }
+};
+
+/// An open file that others may read, rename and remove meanwhile. Names are UTF-8. What fails
+/// leaves the system's own error code where `qt_error_string` finds it.
+class NativeFile
+{
+public:
+    enum class Mode { Read, Append };
+
+    NativeFile() = default;
+    ~NativeFile();
+    NativeFile(const NativeFile&) = delete;
+    NativeFile& operator=(const NativeFile&) = delete;
+    NativeFile(NativeFile&& other) noexcept;
+    NativeFile& operator=(NativeFile&& other) noexcept;
+
+    /// Append makes the file when there is none, and reads too.
+    bool open(const std::string& name, Mode mode);
+    void close();
+    bool isOpen() const { return m_handle != -1; }
+
+    /// Bytes; -1 on failure.
+    std::int64_t size() const;
+    /// \return bytes read, 0 at the end, -1 on failure.
+    std::int64_t readAt(std::int64_t offset, char* data, std::size_t size) const;
+    /// Writes at the end.
+    /// \return bytes taken, which may be fewer; -1 on failure.
+    std::int64_t append(const char* data, std::size_t size);
+    bool cutTo(std::int64_t size);
+    FileIdentity identity() const;
+
+private:
+    std::intptr_t m_handle = -1; // the descriptor or the HANDLE
+};
+
+FileIdentity identityOf(const std::string& name);
+/// Replaces a file of the new name.
+bool renameFile(const std::string& from, const std::string& to);
+/// The name is free afterwards, also while somebody reads the file.
+bool removeFile(const std::string& name);
+
+} // namespace vlbase::tool::platform

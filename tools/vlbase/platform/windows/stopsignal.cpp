@@ -1,0 +1,75 @@
+#include "tools/vlbase/platform/stopsignal.h"
+
+#include <atomic>
+#include <windows.h>
+
+namespace vlbase::tool::platform {
+namespace {
+
+std::atomic<bool> isRequested{false};
+
+// Made once and never closed: the handler runs in a thread of the system's and may come late.
+HANDLE wakeUpEvent()
+{
+    static const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    return event;
+}
+
+HANDLE finishedEvent()
+{
+    static const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    return event;
+}
+
+BOOL WINAPI onConsoleEvent(DWORD event)
+{
+    const bool again = isRequested;
+    StopSignal::request();
+    switch (event) {
+    case CTRL_C_EVENT:
+    case CTRL_BREAK_EVENT:
+        return again ? FALSE : TRUE;
+    default:
+        // The process ends when this returns; the system waits about five seconds for it.
+        WaitForSingleObject(finishedEvent(), 5000);
+        return TRUE;
+    }
+}
+
+} // namespace
+
+StopSignal::StopSignal()
+{
+    wakeUpEvent();
+    finishedEvent();
+    SetConsoleCtrlHandler(onConsoleEvent, TRUE);
+}
+
+StopSignal::~StopSignal()
+{
+    SetEvent(finishedEvent());
+    SetConsoleCtrlHandler(onConsoleEvent, FALSE);
+}
+
+bool StopSignal::requested()
+{
+    return isRequested;
+}
+
+void StopSignal::request()
+{
+    isRequested = true;
+    SetEvent(wakeUpEvent());
+}
+
+bool StopSignal::wait(std::chrono::microseconds time) const
+{
+    if (isRequested)
+        return true;
+    // Rounded up: a wait of 0 would turn a loop of short sleeps into a spinning one.
+    const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(time).count();
+    WaitForSingleObject(wakeUpEvent(), static_cast<DWORD>(milliseconds));
+    return isRequested;
+}
+
+} // namespace vlbase::tool::platform

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+namespace vlbase::tool {
+
+/// Writes to standard output as UTF-8.
+/// \return false when nobody reads it any more or it cannot be written.
+bool print(const QString& text);
+
+/// One line on standard error, as UTF-8.
+void printError(const QString& line);
+
+/// `text` with its lines broken at blanks so that none is longer than `width` characters; lines
+/// after the first begin with `indent` blanks. Line ends that are there stay.
+QString wrapped(const QString& text, int width, int indent = 0);
+
+} // namespace vlbase::tool
