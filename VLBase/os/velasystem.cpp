@@ -63,6 +63,7 @@ int VelaSystem::Exec(const char* first, ...)
     std::string command(first);
     va_list arguments;
     va_start(arguments, first);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): does not see va_start() in C++.
     while (const char* argument = va_arg(arguments, const char*))
         command.append(1, ' ').append(argument);
     va_end(arguments);

@@ -3,6 +3,7 @@
 
 #include <VLBase/os/velaos.h>
 #include <VLBase/os/velasystem.h>
+#include <VLBase/platform/debugoutput.h>
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -68,6 +69,12 @@ int runLateUser()
     s_lateUser.enabled = true;
     qputenv("VLBASE_LATE", "late");
     VelaOS::Get().GetEnvironmentVar("VLBASE_LATE");
+    return 0;
+}
+
+int writeToDebugger()
+{
+    vlbase::platform::writeToDebugger(L"a \u00e9 \u20ac b\n");
     return 0;
 }
 
@@ -191,12 +198,28 @@ private slots:
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.readAllStandardOutput().trimmed(), QByteArray("works"));
     }
+
+    void debuggerOutput()
+    {
+        QProcess process;
+        process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("debugger")});
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.readAllStandardOutput(), QByteArray());
+#ifdef Q_OS_WIN
+        QCOMPARE(process.readAllStandardError(), QByteArray());
+#else
+        QCOMPARE(process.readAllStandardError(), QByteArray("a \xc3\xa9 \xe2\x82\xac b\n"));
+#endif
+    }
 };
 
 int main(int argc, char* argv[])
 {
     if (argc == 2 && std::strcmp(argv[1], "late-user") == 0)
         return runLateUser();
+    if (argc == 2 && std::strcmp(argv[1], "debugger") == 0)
+        return writeToDebugger();
     QCoreApplication app(argc, argv);
     TestVelaOS test;
     return QTest::qExec(&test, argc, argv);

@@ -26,6 +26,7 @@ LoadedLibraries& loadedLibraries()
 
 void* toPointer(std::uint64_t module)
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface hands handles out as numbers.
     return reinterpret_cast<void*>(static_cast<std::uintptr_t>(module));
 }
 

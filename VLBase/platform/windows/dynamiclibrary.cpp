@@ -10,6 +10,7 @@ namespace {
 
 HMODULE toHandle(std::uint64_t module)
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface hands handles out as numbers.
     return reinterpret_cast<HMODULE>(static_cast<std::uintptr_t>(module));
 }
 
