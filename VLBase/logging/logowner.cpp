@@ -98,22 +98,33 @@ int LogOwner::bufferSize() const
     return IsOpen() ? registration()->attachment().image().bufferSize() : 0;
 }
 
-// Above three quarters nobody seems to read; a viewer that reads too slowly is recognised by
-// what came in lately: when it came once more, it would not fit.
-bool LogOwner::viewersHalfRunsOver(int inflow)
+// A writer that finds a half full moves all of it for its line, so the viewers' half keeps room
+// for what may come until the next drain: twice the most that came lately. A viewer that
+// reads in time is not robbed for less than that; one that is gone or stopped gets no such care.
+bool LogOwner::trimViewersHalf(int inflow)
 {
-    const LogImage& image = registration()->attachment().image();
+    LogImage& image = registration()->attachment().image();
     const int fill = image.fill(0);
     const int size = image.bufferSize();
-    if (fill <= size / 4 * 3) {
+    m_inflow = std::max(inflow, m_inflow - m_inflow / 16);
+    const int room = m_inflow < size / 8 * 3 ? 2 * m_inflow : size / 4 * 3;
+    if (fill <= size - room && !isViewersHalfNeglected(fill))
+        return false;
+    image.keepNewest(0, std::min(size / 2, (size - room) / 2));
+    return true;
+}
+
+bool LogOwner::isViewersHalfNeglected(int fill)
+{
+    const LogImage& image = registration()->attachment().image();
+    if (fill <= image.bufferSize() / 4 * 3) {
         m_viewersHalfFullSince.reset();
-        return inflow > size - fill && fill > size / 2;
+        return false;
     }
     const auto now = std::chrono::steady_clock::now();
     if (!m_viewersHalfFullSince)
         m_viewersHalfFullSince = now;
-    return image.users(Role::Reader) <= 0 || inflow > size - fill ||
-           now - *m_viewersHalfFullSince >= viewerPatience;
+    return image.users(Role::Reader) <= 0 || now - *m_viewersHalfFullSince >= viewerPatience;
 }
 
 LogOwner::Drained LogOwner::drain()
@@ -132,9 +143,7 @@ LogOwner::Drained LogOwner::drain()
         drained.stagingFull = !m_staging->take(image);
         drained.bytes = drained.stagingFull ? 0 : drained.fillBefore;
     }
-    drained.trimmed = viewersHalfRunsOver(drained.fillBefore);
-    if (drained.trimmed)
-        image.keepNewest(0, image.bufferSize() / 2);
+    drained.trimmed = trimViewersHalf(drained.fillBefore);
     attachment.unlock();
     return drained;
 }

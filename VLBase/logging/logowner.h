@@ -92,10 +92,12 @@ private:
     class PrivateStaging;
 
     void useStaging();
-    bool viewersHalfRunsOver(int inflow);
+    bool trimViewersHalf(int inflow);
+    bool isViewersHalfNeglected(int fill);
 
     std::unique_ptr<PrivateStaging> m_privateStaging;
     LogStaging* m_staging = nullptr;
+    int m_inflow = 0; // most bytes of a drain lately
     std::optional<std::chrono::steady_clock::time_point> m_viewersHalfFullSince;
 };
 

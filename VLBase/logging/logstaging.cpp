@@ -31,9 +31,11 @@ bool LogStaging::take(LogImage& image)
     const std::uint64_t end = m_control->taken.load(std::memory_order_relaxed);
     const std::uint64_t written = m_control->written.load(std::memory_order_acquire);
 
-    const bool skip = end % m_size + bytes > m_size;
-    const std::uint64_t begin = skip ? nextRound(end) : end;
-    if (begin + bytes - written > m_size)
+    // An empty ring begins anew at its start, which is still in the processor's cache.
+    const bool empty = written == end;
+    const bool skip = !empty && end % m_size + bytes > m_size;
+    const std::uint64_t begin = skip || empty ? nextRound(end) : end;
+    if (begin + bytes - (empty ? begin : written) > m_size)
         return false;
     std::memcpy(m_ring + begin % m_size, image.half(1), bytes);
 
@@ -44,6 +46,8 @@ bool LogStaging::take(LogImage& image)
         m_control->skipAt.store(0, std::memory_order_relaxed);
     m_control->moveBytes.store(bytes, std::memory_order_relaxed);
     m_control->moveEnd.store(begin + bytes, std::memory_order_release);
+    if (empty) // nobody else changes it then
+        m_control->written.store(begin, std::memory_order_release);
     m_control->taken.store(begin + bytes, std::memory_order_release);
     // Others may have emptied the half while we were stopped; what they wrote since is theirs.
     image.emptyIf(1, fill);
@@ -69,7 +73,7 @@ std::string_view LogStaging::pending() const
 {
     const std::uint64_t end = m_control->taken.load(std::memory_order_acquire);
     std::uint64_t begin = m_control->written.load(std::memory_order_relaxed);
-    if (begin == end)
+    if (begin >= end) // ahead for a moment while the ring begins anew
         return {};
     std::uint64_t stop = end;
     if (skips(begin, end)) {
@@ -99,6 +103,8 @@ std::size_t LogStaging::bytes() const
 {
     const std::uint64_t end = m_control->taken.load(std::memory_order_acquire);
     const std::uint64_t begin = m_control->written.load(std::memory_order_acquire);
+    if (begin >= end)
+        return 0;
     std::uint64_t skipped = 0;
     if (skips(begin, end)) {
         const std::uint64_t at = m_control->skipAt.load(std::memory_order_relaxed);

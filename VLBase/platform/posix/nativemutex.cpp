@@ -7,7 +7,6 @@
 #include <cstring>
 #include <ctime>
 #include <pthread.h>
-#include <unistd.h>
 #include <utility>
 
 namespace vlbase::platform {
@@ -20,8 +19,8 @@ constexpr char signature[8] = {'V', 'L', 'M', 'u', 't', 'e', 'x', '1'};
 struct SharedMutex
 {
     char signature[8];
-    std::uint32_t mutexSize;          // programs of another C library must stay out
-    std::atomic<std::int32_t> holder; // process, for whoever looks from outside
+    std::uint32_t mutexSize;         // programs of another C library must stay out
+    std::atomic<std::uint32_t> held; // 0 or 1, for whoever looks from outside
     alignas(64) pthread_mutex_t mutex;
 };
 
@@ -118,12 +117,12 @@ LockResult NativeMutex::lock(std::chrono::milliseconds timeout)
     }
     switch (status) {
     case 0:
-        shared->holder.store(getpid(), std::memory_order_relaxed);
+        shared->held.store(1, std::memory_order_relaxed);
         return LockResult::Owned;
     case EOWNERDEAD:
         // At once: a mutex that is let go without this can never be locked again.
         pthread_mutex_consistent(&shared->mutex);
-        shared->holder.store(getpid(), std::memory_order_relaxed);
+        shared->held.store(1, std::memory_order_relaxed);
         return LockResult::OwnedAfterDeath;
     case ETIMEDOUT:
         return LockResult::TimedOut;
@@ -135,7 +134,7 @@ LockResult NativeMutex::lock(std::chrono::milliseconds timeout)
 void NativeMutex::unlock()
 {
     SharedMutex* const shared = m_handle->shared();
-    shared->holder.store(0, std::memory_order_relaxed);
+    shared->held.store(0, std::memory_order_relaxed);
     pthread_mutex_unlock(&shared->mutex);
 }
 
@@ -150,7 +149,7 @@ bool NativeMutex::isHeld(const std::string& name)
     if (memory.open(name, NamedMapping::Access::Glance) != NamedMapping::Opened::Done)
         return false;
     const SharedMutex* const shared = checked(memory);
-    return shared && shared->holder.load(std::memory_order_relaxed) != 0;
+    return shared && shared->held.load(std::memory_order_relaxed) != 0;
 }
 
 } // namespace vlbase::platform
