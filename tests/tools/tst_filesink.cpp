@@ -143,6 +143,8 @@ private slots:
     void growsOnWhenItCannotRotate();
     void findsWhereAnOwnerStopped_data();
     void findsWhereAnOwnerStopped();
+    void leavesOutWhatTheFileHas_data();
+    void leavesOutWhatTheFileHas();
     void followerSeesEachLineOnce_data();
     void followerSeesEachLineOnce();
     void sinkFollowsItsName();
@@ -319,6 +321,37 @@ void FileSinkTest::findsWhereAnOwnerStopped()
     const FileTail tail = readFileTail(disk, "f");
     QTEST(static_cast<int>(tail.kind), "kind");
     QTEST(tail.index, "index");
+}
+
+void FileSinkTest::leavesOutWhatTheFileHas_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QByteArray>("pending"); // '|' for the zero byte
+    QTest::addColumn<QByteArray>("left");
+    const auto row = [](const char* name, const char* file, const char* pending, const char* left) {
+        QTest::newRow(name) << QByteArray(file) << QByteArray(pending) << QByteArray(left);
+    };
+    row("nothing in the file", "", "100000\ta|x|", "100000\ta|x|");
+    row("nothing pending", "100000\ta\nx\n", "", "");
+    row("up to a number", "x\n100000\ta\n", "x|100000\ta|y|", "y|");
+    row("behind a number", "100000\ta\nx\nx\n", "100000\ta|x|x|x|", "x|");
+    row("only lines without one", "100000\ta\nx\ny\n", "y|x|", "x|");
+    row("the same line came again", "100000\ta\nx\n", "x|x|", "x|");
+    row("written as pictures", "100000\ta\nx\u240Ay\n", "100000\ta|x\ny|z|", "z|");
+    row("the number of another round", "100000\ta\nx\n", "100000\tb|x|", "100000\tb|x|");
+}
+
+void FileSinkTest::leavesOutWhatTheFileHas()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QByteArray, pending);
+    QFETCH(QByteArray, left);
+    BadDisk disk;
+    disk.files["f"] = std::make_shared<std::string>(file.toStdString());
+    const FileTail tail = readFileTail(disk, "f");
+    pending.replace('|', '\0');
+    left.replace('|', '\0');
+    QCOMPARE(pending.mid(static_cast<qsizetype>(bytesInFile(tail, pending.toStdString()))), left);
 }
 
 void FileSinkTest::followerSeesEachLineOnce_data()

@@ -31,9 +31,12 @@ QString wrappedParagraph(const QString& text, qsizetype width, qsizetype indent)
 bool print(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();
-    return platform::writeAll(platform::Stream::Output, bytes.constData(),
-                              static_cast<std::size_t>(bytes.size())) ==
-           platform::WriteResult::Done;
+    const platform::WriteResult result = platform::writeAll(
+        platform::Stream::Output, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    if (result == platform::WriteResult::Failed)
+        printError(
+            QStringLiteral("vlbase: cannot write to standard output: %1").arg(qt_error_string()));
+    return result == platform::WriteResult::Done;
 }
 
 void printError(const QString& line)

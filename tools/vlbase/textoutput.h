@@ -4,8 +4,9 @@
 
 namespace vlbase::tool {
 
-/// Writes to standard output as UTF-8.
-/// \return false when nobody reads it any more or it cannot be written.
+/// Writes to standard output as UTF-8. What fails is told on standard error, save that nobody
+/// reads it any more.
+/// \return false when it was not written.
 bool print(const QString& text);
 
 /// One line on standard error, as UTF-8.

@@ -1,5 +1,6 @@
 #include "filetail.h"
 
+#include "linetext.h"
 #include "logline.h"
 #include "ownnotice.h"
 
@@ -14,6 +15,7 @@ constexpr std::int64_t blockBytes = 64 * 1024;
 
 // Not the whole of a huge file that is no log: lines without a number are rare.
 constexpr std::int64_t searchBytes = 64 * 1024 * 1024;
+constexpr std::size_t mostLinesAfter = 10000;
 
 template <typename File> std::int64_t findLastLineEnd(const File& file)
 {
@@ -79,6 +81,11 @@ FileTail readFileTail(const GrowingFile& file)
     FileTail tail;
     LogLine parsed;
     readLinesBackwards(file, [&](std::string_view line) {
+        const auto isOther = [&] {
+            if (tail.after.size() < mostLinesAfter)
+                tail.after.emplace_back(line);
+            return true;
+        };
         if (const int index = lineIndex(line)) {
             tail.kind = FileTail::Kind::Line;
             tail.index = index;
@@ -86,15 +93,16 @@ FileTail readFileTail(const GrowingFile& file)
             return false;
         }
         if (!parseLogLine(line, parsed))
-            return true;
+            return isOther();
         const auto notice = parseNotice(parsed);
         if (!notice)
-            return true;
+            return isOther();
         const bool begins = notice->kind == OwnNotice::Kind::LogBegins;
         tail.kind = begins ? FileTail::Kind::LogBegins : FileTail::Kind::Line;
         tail.index = begins ? notice->first : notice->last;
         return false;
     });
+    std::reverse(tail.after.begin(), tail.after.end());
     return tail;
 }
 
@@ -111,6 +119,31 @@ FileTail readFileTail(FileStore& store, const std::string& name)
             return tail;
     }
     return {};
+}
+
+std::size_t bytesInFile(const FileTail& tail, std::string_view pending)
+{
+    std::vector<std::string> lines;
+    std::vector<std::size_t> ends;
+    std::size_t begun = 0; // lines up to the last one with a number that the file has
+    for (std::size_t start = 0; start < pending.size();) {
+        const std::size_t end = std::min(pending.find('\0', start), pending.size());
+        const std::string_view line = pending.substr(start, end - start);
+        lines.emplace_back();
+        appendClean(line, Cleaning::ForFile, lines.back());
+        start = std::min(end + 1, pending.size());
+        ends.push_back(start);
+        if (tail.index != 0 && lineIndex(line) == tail.index && lines.back() == tail.line)
+            begun = lines.size();
+    }
+    // Behind that, as many as are the file's last ones.
+    std::size_t count = std::min(tail.after.size(), lines.size() - begun);
+    const auto first = lines.begin() + static_cast<std::ptrdiff_t>(begun);
+    while (count > 0 && !std::equal(tail.after.end() - static_cast<std::ptrdiff_t>(count),
+                                    tail.after.end(), first))
+        --count;
+    const std::size_t known = begun + count;
+    return known == 0 ? 0 : ends[known - 1];
 }
 
 } // namespace vlbase::tool::log

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace vlbase::tool::log {
 
@@ -24,6 +26,7 @@ struct FileTail
     Kind kind = Kind::Unknown;
     int index = 0;
     std::string line; ///< the last line, when `index` is that of a line and not of a notice
+    std::vector<std::string> after; ///< lines without a number that follow, the oldest first
 };
 
 /// Looks for the last line that says how far its owner had come, backwards through the file.
@@ -31,5 +34,10 @@ FileTail readFileTail(const GrowingFile& file);
 
 /// The same for a file and, when it says nothing, for F.1, to which it was just rotated.
 FileTail readFileTail(FileStore& store, const std::string& name);
+
+/// How many bytes of `pending` (lines that each end in a zero byte, as an owner that was killed
+/// left them) are in the file already, as far as lines without a number are among them. Those
+/// with one are told by their number alone.
+std::size_t bytesInFile(const FileTail& tail, std::string_view pending);
 
 } // namespace vlbase::tool::log

@@ -99,6 +99,7 @@ FileTail tailOfPredecessor(LogOwner& owner, FileStore& store, const std::string&
     return readFileTail(store, ownFile);
 }
 
+/// Goes on where the file ends: what it has already is no longer pending.
 logging::LineLedger resumedLedger(LogOwner& owner, FileStore& store, const std::string& file)
 {
     logging::LineLedger ledger = owner.makeLedger();
@@ -107,6 +108,7 @@ logging::LineLedger resumedLedger(LogOwner& owner, FileStore& store, const std::
         return ledger;
     }
     const FileTail tail = tailOfPredecessor(owner, store, file);
+    owner.markWritten(bytesInFile(tail, owner.pending()));
     switch (tail.kind) {
     case FileTail::Kind::Unknown:
         break;

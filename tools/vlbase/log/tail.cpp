@@ -97,11 +97,15 @@ public:
             showLine(lines.substr(0, length));
             lines.remove_prefix(std::min(length + 1, lines.size()));
         }
-        m_result = platform::writeAll(platform::Stream::Output, m_output.data(), m_output.size());
-        return m_result == platform::WriteResult::Done && m_shown < m_settings.count;
+        const platform::WriteResult result =
+            platform::writeAll(platform::Stream::Output, m_output.data(), m_output.size());
+        if (result == platform::WriteResult::Failed)
+            m_errorText = qt_error_string();
+        return result == platform::WriteResult::Done && m_shown < m_settings.count;
     }
 
-    bool hasFailed() const { return m_result == platform::WriteResult::Failed; }
+    /// Why the output failed; empty when it did not.
+    const QString& errorText() const { return m_errorText; }
 
     void tellSummary() const
     {
@@ -145,7 +149,7 @@ private:
     std::string m_output;
     std::int64_t m_shown = 0;
     std::uint64_t m_lost = 0;
-    platform::WriteResult m_result = platform::WriteResult::Done;
+    QString m_errorText;
 };
 
 int run(CommandLine& line)
@@ -176,8 +180,8 @@ int run(CommandLine& line)
     }
     if (settings.hasSummary)
         viewer.tellSummary();
-    if (viewer.hasFailed()) {
-        line.tell(QStringLiteral("cannot write to standard output: %1").arg(qt_error_string()));
+    if (!viewer.errorText().isEmpty()) {
+        line.tell(QStringLiteral("cannot write to standard output: %1").arg(viewer.errorText()));
         return Failure;
     }
     return Success;

@@ -21,6 +21,15 @@ HANDLE finishedEvent()
     return event;
 }
 
+/// Null before Windows 10 1803.
+HANDLE preciseTimer()
+{
+    constexpr DWORD highResolution = 0x00000002; // not in every header
+    static const HANDLE timer =
+        CreateWaitableTimerExW(nullptr, nullptr, highResolution, TIMER_ALL_ACCESS);
+    return timer;
+}
+
 BOOL WINAPI onConsoleEvent(DWORD event)
 {
     const bool again = isRequested;
@@ -66,9 +75,19 @@ bool StopSignal::wait(std::chrono::microseconds time) const
 {
     if (isRequested)
         return true;
-    // Rounded up: a wait of 0 would turn a loop of short sleeps into a spinning one.
-    const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(time).count();
-    WaitForSingleObject(wakeUpEvent(), static_cast<DWORD>(milliseconds));
+    // In units of 100 ns, below zero: from now on. A wait with a time-out would last a tick of
+    // the system's clock, 15 ms, in which a busy log runs over.
+    LARGE_INTEGER due = {};
+    due.QuadPart = -10 * time.count();
+    const HANDLE timer = preciseTimer();
+    if (timer != nullptr && SetWaitableTimer(timer, &due, 0, nullptr, nullptr, FALSE) != 0) {
+        const HANDLE either[] = {wakeUpEvent(), timer};
+        WaitForMultipleObjects(2, either, FALSE, INFINITE);
+    } else {
+        // Rounded up: a wait of 0 would turn a loop of short sleeps into a spinning one.
+        const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(time).count();
+        WaitForSingleObject(wakeUpEvent(), static_cast<DWORD>(milliseconds));
+    }
     return isRequested;
 }
 
