@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+class QLocale;
+
+namespace vlbase::utilities {
+
+/// Rewrites a whole number of any base from the spelling of a locale into plain ASCII: digits of
+/// the locale or of ASCII become ASCII ones, signs become "+" and "-", group separators go.
+/// Separators must stand between digits, the last one before three digits and each other one
+/// three digits before the next.
+/// \return a null text when that is not possible.
+QString plainNumber(const QString& text, const QLocale& locale);
+
+} // namespace vlbase::utilities
