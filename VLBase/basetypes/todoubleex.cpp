@@ -1,10 +1,9 @@
 #include "token.h"
 
-#include <QByteArray>
 #include <QVarLengthArray>
 
+#include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <limits>
 #include <string_view>
 #include <system_error>
@@ -41,23 +40,32 @@ bool takeHexPrefix(std::string_view& text)
     return true;
 }
 
-/// Whether a number in base 16 that no double can hold is too large, rather than too small: its
-/// exponent is that of its first digit other than 0.
-bool isHugeHex(std::string_view text)
+/// The exponent of a number, cut at what no digits before it can outweigh.
+long long exponentOf(std::string_view number, const char* marks)
 {
-    const std::size_t mark = text.find_first_of("pP");
-    const std::string_view digits = text.substr(0, mark);
-    const std::size_t point = std::min(digits.find('.'), digits.size());
-    const std::size_t first = digits.find_first_not_of("0.");
-    if (first == std::string_view::npos)
-        return false;
-    const double places = static_cast<double>(point) - static_cast<double>(first);
-    double exponent = 0.0;
-    if (mark != std::string_view::npos) {
-        const std::string_view power = text.substr(mark + 1);
-        exponent = QByteArray(power.data(), static_cast<qsizetype>(power.size())).toDouble();
+    constexpr long long limit = 1'000'000'000'000;
+    const std::size_t mark = number.find_first_of(marks);
+    if (mark == std::string_view::npos)
+        return 0;
+    const bool negative = number[mark + 1] == '-';
+    long long exponent = 0;
+    for (const char c : number.substr(mark + 1)) {
+        if (isDigit(c))
+            exponent = std::min(exponent * 10 + (c - '0'), limit);
     }
-    return 4.0 * places + exponent > 0.0;
+    return negative ? -exponent : exponent;
+}
+
+/// Whether a number that no double can hold is too large, rather than too small. That is seen
+/// from the weight of its first digit other than 0, which is far from 1 in either case.
+bool isHuge(std::string_view number, bool hex)
+{
+    const char* marks = hex ? "pP" : "eE";
+    const std::string_view digits = number.substr(0, number.find_first_of(marks));
+    const std::size_t point = std::min(digits.find('.'), digits.size());
+    const std::size_t first = std::min(digits.find_first_not_of("0."), digits.size());
+    const auto places = static_cast<long long>(point) - static_cast<long long>(first);
+    return places * (hex ? 4 : 1) + exponentOf(number, marks) > 0;
 }
 
 /// The number at the start of the text, which has no sign and "." as its decimal point; 0 when
@@ -72,10 +80,7 @@ double unsignedNumber(std::string_view text)
     if (error != std::errc::result_out_of_range)
         return error == std::errc() ? value : 0.0;
     const std::string_view number = text.substr(0, static_cast<std::size_t>(end - text.data()));
-    if (hex)
-        return isHugeHex(number) ? std::numeric_limits<double>::infinity() : 0.0;
-    // Qt's conversion tells infinity from what is next to 0.
-    return QByteArray(number.data(), static_cast<qsizetype>(number.size())).toDouble();
+    return isHuge(number, hex) ? std::numeric_limits<double>::infinity() : 0.0;
 }
 
 /// What `wcstod` reads in the C locale, with "," and "." alike as decimal point.

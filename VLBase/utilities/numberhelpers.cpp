@@ -10,6 +10,9 @@ namespace NumberHelpers {
 
 namespace {
 
+using vlbase::utilities::plainNumber;
+using vlbase::utilities::withPlainSigns;
+
 bool isBase(int base)
 {
     return base == 0 || (base >= 2 && base <= 36);
@@ -32,9 +35,9 @@ T parseInteger(const QString& text, const QLocale& locale, bool* ok, int base,
     bool valid = false;
     T value{};
     if (base == 10)
-        value = (locale.*ofLocale)(text, &valid);
+        value = (locale.*ofLocale)(withPlainSigns(text, locale), &valid);
     else if (isBase(base))
-        value = (vlbase::utilities::plainNumber(text, locale).*ofText)(&valid, base);
+        value = (plainNumber(text, locale).*ofText)(&valid, base);
     return finish(value, valid, ok);
 }
 
@@ -99,12 +102,12 @@ template <> quint64 parse(const QString& text, const QLocale& locale, bool* ok, 
 
 template <> float parse(const QString& text, const QLocale& locale, bool* ok, int)
 {
-    return locale.toFloat(text, ok);
+    return locale.toFloat(withPlainSigns(text, locale), ok);
 }
 
 template <> double parse(const QString& text, const QLocale& locale, bool* ok, int)
 {
-    return locale.toDouble(text, ok);
+    return locale.toDouble(withPlainSigns(text, locale), ok);
 }
 
 template <> bool parse(const QString& text, const QLocale&, bool* ok, int)

@@ -122,4 +122,15 @@ QString plainNumber(const QString& text, const QLocale& locale)
     return removeGroups(number) ? number : QString();
 }
 
+QString withPlainSigns(QString text, const QLocale& locale)
+{
+    const QString minus = locale.negativeSign();
+    const QString plus = locale.positiveSign();
+    if (minus.size() > 1)
+        text.replace(minus, QStringLiteral("-"));
+    if (plus.size() > 1)
+        text.replace(plus, QStringLiteral("+"));
+    return text;
+}
+
 } // namespace vlbase::utilities

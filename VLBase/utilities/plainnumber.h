@@ -13,4 +13,9 @@ namespace vlbase::utilities {
 /// \return a null text when that is not possible.
 QString plainNumber(const QString& text, const QLocale& locale);
 
+/// Puts "-" and "+" in place of signs that a locale writes with more than one character: a mark
+/// of direction goes with them in Arabic, Hebrew and Persian, which QLocale writes but does not
+/// read.
+QString withPlainSigns(QString text, const QLocale& locale);
+
 } // namespace vlbase::utilities
