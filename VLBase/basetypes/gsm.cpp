@@ -1,6 +1,7 @@
 #include "gsm.h"
 
 #include <array>
+#include <cstddef>
 
 namespace {
 
@@ -41,8 +42,9 @@ GSM::GSM()
                              entry.startChannel, entry.stopChannel, entry.startChannel, true);
     }
     // The extended range counts down from 1024, below the primary channels.
-    for (const EGSMBand band : {GSM900Up, GSM900Down})
-        m_bands[band].AddSubBand(stepWidth, entries[band].startFreq, 955, 1023, 1024);
+    constexpr std::size_t extended[] = {GSM900Up, GSM900Down};
+    for (const std::size_t index : extended)
+        m_bands[index].AddSubBand(stepWidth, entries[index].startFreq, 955, 1023, 1024);
 }
 
 unsigned int GSM::GetCount() const

@@ -1,5 +1,6 @@
 #include "station.h"
 
+#include <VLBase/basetypes/gsm.h>
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/quality.h>
 #include <VLBase/errorhandling/vlexception.h>
@@ -7,10 +8,6 @@
 #include <utility>
 
 namespace {
-
-constexpr double firstFrequencyHz = 935.0e6;
-constexpr double channelSpacingHz = 200.0e3;
-constexpr unsigned channels = 125;
 
 QString megahertz(double frequencyHz)
 {
@@ -30,18 +27,32 @@ void tune(double frequencyHz, unsigned step)
 
 Station::Station(QString name)
     : m_name(std::move(name))
+    , m_band(GSM().GetBand(GSM::GSM900Down))
 {
 }
 
 void Station::measureNextChannel()
 {
-    const double frequencyHz = firstFrequencyHz + channelSpacingHz * (m_step % channels);
+    const double frequencyHz = nextFrequency();
     try {
         measure(frequencyHz);
     } catch (const VLException& failure) {
         ErrorHandler::Interface()->ProtocolException(failure);
     }
     ++m_step;
+}
+
+double Station::nextFrequency()
+{
+    const double currentHz = m_band.GetFrequency(m_band.GetChannelValue());
+    if (m_band.GetChannelValue() == m_band.GetStopChannel()) {
+        m_band.GetFrequency(m_band.GetStartChannel()); // Once more from the first channel.
+    } else {
+        bool canGoUp = false;
+        bool canGoDown = false;
+        m_band.GetNextFrequency(true, canGoUp, canGoDown, currentHz, 0.0, 10e9);
+    }
+    return currentHz;
 }
 
 void Station::measure(double frequencyHz)

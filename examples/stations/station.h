@@ -1,5 +1,7 @@
 #pragma once
 
+#include <VLBase/basetypes/band.h>
+
 #include <QString>
 
 /// A receiver that steps through its band and meets the troubles that receivers meet.
@@ -12,8 +14,10 @@ public:
     void measureNextChannel();
 
 private:
+    double nextFrequency();
     void measure(double frequencyHz);
 
     QString m_name;
+    Band m_band;
     unsigned m_step = 0;
 };
