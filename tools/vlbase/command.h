@@ -22,16 +22,20 @@ struct Option
 struct Command
 {
     QString group;   ///< "log"
-    QString verb;    ///< "own"
+    QString verb;    ///< "own"; empty when the group itself is the command
     QString summary; ///< one line for the list of verbs
     QString usage;   ///< what follows the verb: "[OPTION...] LEVEL TEXT"
     QString about;   ///< paragraphs, one line each, wrapped when shown
     std::vector<Option> options;
     std::vector<std::pair<QString, QString>> exitStatuses; ///< besides 0, 1 and 2
     std::vector<std::pair<QString, QString>> examples;     ///< what for, how
+    /// Whether arguments such as "-33.9" are numbers, not options.
+    bool hasNegativeNumbers = false;
     int (*run)(CommandLine& line);
 
-    QString fullName() const { return QStringLiteral("vlbase %1 %2").arg(group, verb); }
+    /// "log own", or the group alone.
+    QString name() const { return verb.isEmpty() ? group : group + u' ' + verb; }
+    QString fullName() const { return QStringLiteral("vlbase ") + name(); }
 };
 
 /// The text of `vlbase GROUP VERB --help`.

@@ -16,6 +16,25 @@ QStringList optionNames(const Command& command)
     return names;
 }
 
+// The parser takes whatever begins with a hyphen for options. A number that shall not be one
+// passes it behind this mark, which no one can type.
+constexpr QChar numberMark(0xE000);
+
+bool isNegativeNumber(const QString& argument)
+{
+    return argument.size() > 1 && argument[0] == u'-' &&
+           (argument[1] == u'.' || (argument[1] >= u'0' && argument[1] <= u'9'));
+}
+
+QStringList withNumbersMarked(QStringList arguments)
+{
+    for (QString& argument : arguments) {
+        if (isNegativeNumber(argument))
+            argument.prepend(numberMark);
+    }
+    return arguments;
+}
+
 } // namespace
 
 CommandLine::CommandLine(const Command& command)
@@ -30,7 +49,9 @@ CommandLine::CommandLine(const Command& command)
 
 std::optional<int> CommandLine::parse(const QStringList& arguments)
 {
-    const bool isParsed = m_parser.parse(QStringList(m_command.fullName()) + arguments);
+    const bool isParsed =
+        m_parser.parse(QStringList(m_command.fullName()) +
+                       (m_command.hasNegativeNumbers ? withNumbersMarked(arguments) : arguments));
     if (m_parser.isSet(QStringLiteral("help")))
         return print(helpText(m_command)) ? Success : Failure;
     if (isParsed)
@@ -58,6 +79,16 @@ QString CommandLine::parserFault() const
             return QStringLiteral("--%1 takes no value").arg(option.name);
     }
     return m_parser.errorText();
+}
+
+QStringList CommandLine::positional() const
+{
+    QStringList arguments = m_parser.positionalArguments();
+    for (QString& argument : arguments) {
+        if (argument.startsWith(numberMark))
+            argument.remove(0, 1);
+    }
+    return arguments;
 }
 
 QStringList CommandLine::list(const QString& option) const

@@ -27,7 +27,7 @@ public:
     QString value(const QString& option) const { return m_parser.value(option); }
     /// All values of a repeated option, those that hold commas taken apart.
     QStringList list(const QString& option) const;
-    QStringList positional() const { return m_parser.positionalArguments(); }
+    QStringList positional() const;
 
     std::int64_t bytes(const QString& option, std::int64_t fallback, std::int64_t least,
                        std::int64_t most);

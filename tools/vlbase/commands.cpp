@@ -1,4 +1,5 @@
 #include "command.h"
+#include "tools/vlbase/coord/verb.h"
 #include "tools/vlbase/log/verbs.h"
 
 namespace vlbase::tool {
@@ -6,10 +7,8 @@ namespace vlbase::tool {
 const std::vector<Command>& allCommands()
 {
     static const std::vector<Command> commands = {
-        log::ownCommand(),
-        log::tailCommand(),
-        log::sendCommand(),
-        log::statusCommand(),
+        log::ownCommand(),    log::tailCommand(),    log::sendCommand(),
+        log::statusCommand(), coord::coordCommand(),
     };
     return commands;
 }

@@ -38,12 +38,12 @@ QString overview(const QString& onlyGroup)
                        .arg(onlyGroup.isEmpty() ? QStringLiteral("GROUP") : onlyGroup);
     qsizetype width = 0;
     for (const Command& command : allCommands())
-        width = std::max(width, command.group.size() + 1 + command.verb.size());
+        width = std::max(width, command.name().size());
     for (const Command& command : allCommands()) {
         if (!onlyGroup.isEmpty() && command.group != onlyGroup)
             continue;
-        const QString name = command.group + u' ' + command.verb;
-        text += QStringLiteral("  %1  %2\n").arg(name.leftJustified(width), command.summary);
+        text +=
+            QStringLiteral("  %1  %2\n").arg(command.name().leftJustified(width), command.summary);
     }
     const QString& shown = onlyGroup.isEmpty() ? allCommands().front().group : onlyGroup;
     text += QStringLiteral("\n'vlbase %1 %2 --help' tells all about a verb, 'vlbase --version' "
@@ -74,6 +74,10 @@ int runVerb(const Command& command, const QStringList& arguments)
 
 int runGroup(const QString& group, const QStringList& arguments)
 {
+    for (const Command& command : allCommands()) {
+        if (command.group == group && command.verb.isEmpty())
+            return runVerb(command, arguments);
+    }
     if (arguments.isEmpty()) {
         printError(QStringLiteral("vlbase %1: which verb?\n\n").arg(group) +
                    overview(group).trimmed());

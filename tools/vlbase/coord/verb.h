@@ -1,0 +1,9 @@
+#pragma once
+
+#include "tools/vlbase/command.h"
+
+namespace vlbase::tool::coord {
+
+Command coordCommand();
+
+} // namespace vlbase::tool::coord
