@@ -34,6 +34,14 @@ bool hasOwner(const logging::LogStatus& status)
            (status.ownerAlive || !status.hasReserve);
 }
 
+QString absenceText(const logging::LogStatus& status)
+{
+    if (status.presence != logging::LogStatus::Presence::Refused)
+        return QStringLiteral("the log has no owner");
+    return QStringLiteral("what has the log's name is no log (%1)")
+        .arg(QString::fromStdString(status.reason));
+}
+
 QString ownCommandLine()
 {
     const QString name = logInstance();

@@ -17,6 +17,9 @@ void selectInstance(CommandLine& line);
 /// which has no claim that could tell its death.
 bool hasOwner(const logging::LogStatus& status);
 
+/// Why there is no owner: "the log has no owner", or what has the log's name instead.
+QString absenceText(const logging::LogStatus& status);
+
 /// "vlbase log own", with the instance that is selected: for messages that tell what to start.
 QString ownCommandLine();
 

@@ -236,8 +236,8 @@ Command ownCommand()
         "a line with \"------\" for a number says how many are missing there and which.");
     command.options = {
         {QStringLiteral("file"), QStringLiteral("F"),
-         QStringLiteral("Writes to F, after what is in it. Default: vlbase.log in the user's "
-                        "data folder.")},
+         QStringLiteral("Writes to F, after what is in it. Default: VLBase/vlbase.log in the "
+                        "user's data folder; the full name is told at the start.")},
         {QStringLiteral("rotate"), QStringLiteral("BYTES"),
          QStringLiteral("Goes on with an empty file before F grows past BYTES; F becomes F.1, "
                         "F.1 becomes F.2. Default: F grows.")},

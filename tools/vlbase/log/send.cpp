@@ -49,15 +49,17 @@ public:
     /// \return Success when an owner is there, NoOwner otherwise, told.
     int findOwner()
     {
-        if (hasOwner(logging::peekLog()) && isOpen())
+        const logging::LogStatus status = logging::peekLog();
+        if (hasOwner(status) && isOpen())
             return Success;
         if (!m_waits) {
-            m_line.tell(QStringLiteral("the log has no owner, so nobody would write the line; "
-                                       "start '%1', or wait for one with --wait")
-                            .arg(ownCommandLine()));
+            m_line.tell(QStringLiteral("%1, so nobody would write the line; "
+                                       "start '%2', or wait for one with --wait")
+                            .arg(absenceText(status), ownCommandLine()));
             return NoOwner;
         }
-        m_line.tell(QStringLiteral("the log has no owner; waiting for '%1'").arg(ownCommandLine()));
+        m_line.tell(
+            QStringLiteral("%1; waiting for '%2'").arg(absenceText(status), ownCommandLine()));
         while (!hasOwner(logging::peekLog()) || !isOpen())
             std::this_thread::sleep_for(ownerCheckTime);
         return Success;

@@ -115,17 +115,13 @@ int run(CommandLine& line)
     const int result = hasOwner(status) ? Success : NoOwner;
     if (line.isSet(QStringLiteral("json")))
         return print(asJson(status)) ? result : Failure;
-    switch (status.presence) {
-    case LogStatus::Presence::Present:
+    if (status.presence == LogStatus::Presence::Present)
         return print(asText(status)) ? result : Failure;
-    case LogStatus::Presence::Refused:
-        line.tell(QStringLiteral("what has the log's name is no log: %1")
-                      .arg(QString::fromStdString(status.reason)));
-        return NoOwner;
-    case LogStatus::Presence::Absent:
-        break;
-    }
-    line.tell(QStringLiteral("nobody takes part in the log; '%1' starts it").arg(ownCommandLine()));
+    if (status.presence == LogStatus::Presence::Refused)
+        line.tell(absenceText(status));
+    else
+        line.tell(
+            QStringLiteral("nobody takes part in the log; '%1' starts it").arg(ownCommandLine()));
     return NoOwner;
 }
 

@@ -101,7 +101,8 @@ void ViewerFeed::findOwner()
         if (m_hasOwner)
             m_tell(QStringLiteral("the log's owner has ended; waiting for the next one"));
         else if (!m_hasToldAbsence && !hasOwner(status))
-            m_tell(QStringLiteral("the log has no owner; waiting for '%1'").arg(ownCommandLine()));
+            m_tell(
+                QStringLiteral("%1; waiting for '%2'").arg(absenceText(status), ownCommandLine()));
         m_hasToldAbsence = true;
         m_hasOwner = false;
         return;
