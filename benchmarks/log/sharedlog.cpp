@@ -108,7 +108,7 @@ private:
     QString m_detail;
 };
 
-/// The owner program's loop with a tally in place of its file.
+/// The owner program's loop and its pauses, in one thread and with a tally in place of the file.
 class OwnerReceiver : public Receiver
 {
 public:
@@ -127,8 +127,8 @@ public:
         while (tally.received() + m_lost < m_due) {
             const LogOwner::Drained drained = m_owner.drain();
             write(tally);
-            if (drained.fillBefore < m_owner.bufferSize() / 4)
-                rest();
+            if (drained.fillBefore <= m_owner.bufferSize() / 4)
+                rest(drained.bytes > m_owner.bufferSize() / 16 ? 200us : 1000us);
         }
     }
 
@@ -151,11 +151,11 @@ private:
         }
     }
 
-    void rest()
+    void rest(std::chrono::microseconds pause)
     {
         if (const auto next = m_owner.nextIndexIfIdle())
             m_lost += m_ledger.lostUpTo(*next);
-        std::this_thread::sleep_for(200us);
+        std::this_thread::sleep_for(pause);
     }
 
     LogOwner m_owner;
