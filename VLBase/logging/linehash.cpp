@@ -17,10 +17,15 @@ std::uint64_t wordAt(const char* bytes)
     return word;
 }
 
+std::uint64_t rotated(std::uint64_t value, int bits)
+{
+    return value << bits | value >> (64 - bits);
+}
+
+// A product carries differences upwards only; the rotation brings them down again.
 std::uint64_t mixed(std::uint64_t state, std::uint64_t word)
 {
-    state = (state ^ word) * multiplier;
-    return state ^ (state >> 29);
+    return (rotated(state, 29) ^ word) * multiplier;
 }
 
 } // namespace
@@ -40,10 +45,9 @@ std::uint64_t lineHash(std::string_view line)
     std::uint64_t last = 0;
     if (rest > 0)
         std::memcpy(&last, bytes, rest);
-    std::uint64_t hash = mixed(lanes[3], last);
-    for (const std::uint64_t lane : {lanes[0], lanes[1], lanes[2]})
-        hash = mixed(hash, lane);
-    return hash;
+    lanes[3] = mixed(lanes[3], last);
+    const std::uint64_t hash = mixed(mixed(lanes[0], lanes[1]), mixed(lanes[2], lanes[3]));
+    return (hash ^ hash >> 32) * multiplier;
 }
 
 } // namespace vlbase::logging

@@ -76,21 +76,20 @@ void LogReserve::format(void* base, std::size_t stagingBytes, const LogImage& im
 }
 
 // The counter in the image is the truth: writers of other makers know nothing else. Here is only
-// remembered how many periods it has been through.
+// remembered how many periods it has been through, for which a value that is a little behind or
+// ahead, because others store theirs at the same time without the mutex, is good enough.
 std::optional<std::uint64_t> LogReserve::takePosition(std::int32_t counter)
 {
     const std::optional<std::uint64_t> slot = slotOfCounter(counter);
     if (!slot)
         return std::nullopt;
     std::atomic<std::uint64_t>& next = m_header->nextPosition;
-    std::uint64_t known = next.load(std::memory_order_relaxed);
-    for (;;) {
-        std::uint64_t position = positionFrom(known, *slot);
-        if (position - known > numberPeriod - maximumCrowd && position >= numberPeriod)
-            return position - numberPeriod; // somebody with a later number was quicker
-        if (next.compare_exchange_weak(known, position + 1, std::memory_order_relaxed))
-            return position;
-    }
+    const std::uint64_t known = next.load(std::memory_order_relaxed);
+    const std::uint64_t position = positionFrom(known, *slot);
+    if (position - known > numberPeriod - maximumCrowd && position >= numberPeriod)
+        return position - numberPeriod; // somebody with a later number was quicker
+    next.store(position + 1, std::memory_order_relaxed);
+    return position;
 }
 
 void LogReserve::jumpTo(std::int32_t counter)

@@ -21,7 +21,7 @@ std::uint64_t LogStaging::nextRound(std::uint64_t end) const
 bool LogStaging::skips(std::uint64_t begin, std::uint64_t end) const
 {
     const std::uint64_t at = m_control->skipAt.load(std::memory_order_relaxed);
-    return at >= begin && at < end && at % m_size != 0;
+    return at >= begin && at % m_size != 0 && nextRound(at) < end;
 }
 
 bool LogStaging::take(LogImage& image)
@@ -117,7 +117,8 @@ void LogStaging::discardIfDamaged()
 {
     const std::uint64_t end = m_control->taken.load();
     const std::uint64_t begin = m_control->written.load();
-    const bool counts = begin <= end && end - begin <= m_size;
+    constexpr std::uint64_t farthest = std::uint64_t(1) << 62; // so that no sum overflows
+    const bool counts = begin <= end && end - begin <= m_size && end < farthest;
     const std::string_view lines = counts ? pending() : std::string_view();
     const bool inside =
         lines.empty() || (lines.data() >= m_ring && lines.size() <= m_size &&
