@@ -93,9 +93,12 @@ void CommandLineTest::helpTellsEveryOption()
     for (const Command& command : allCommands()) {
         const QString help = helpText(command);
         QVERIFY(help.startsWith(QStringLiteral("Usage: %1 ").arg(command.fullName())));
-        for (const Option& option : command.options)
-            QVERIFY2(help.contains(QStringLiteral("  --%1 ").arg(option.name)),
-                     qPrintable(option.name));
+        for (const Option& option : command.options) {
+            const char* dashes = option.name.size() > 1 ? "--" : "-";
+            QVERIFY2(
+                help.contains(QStringLiteral("  %1%2 ").arg(QLatin1String(dashes), option.name)),
+                qPrintable(option.name));
+        }
         QVERIFY(!command.examples.empty());
         for (const QString& line : help.split(u'\n'))
             QVERIFY2(line.size() <= 92, qPrintable(line));

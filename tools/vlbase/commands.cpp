@@ -1,14 +1,17 @@
 #include "command.h"
+#include "tools/vlbase/band/verbs.h"
 #include "tools/vlbase/coord/verb.h"
 #include "tools/vlbase/log/verbs.h"
+#include "tools/vlbase/time/verbs.h"
 
 namespace vlbase::tool {
 
 const std::vector<Command>& allCommands()
 {
     static const std::vector<Command> commands = {
-        log::ownCommand(),    log::tailCommand(),    log::sendCommand(),
-        log::statusCommand(), coord::coordCommand(),
+        log::ownCommand(),   log::tailCommand(),    log::sendCommand(),     log::statusCommand(),
+        band::listCommand(), band::showCommand(),   band::channelCommand(), band::findCommand(),
+        band::plotCommand(), coord::coordCommand(), time::timeCommand(),
     };
     return commands;
 }

@@ -10,8 +10,8 @@ constexpr int lineWidth = 88;
 
 QString optionTitle(const Option& option)
 {
-    return option.value.isEmpty() ? QStringLiteral("--%1").arg(option.name)
-                                  : QStringLiteral("--%1 %2").arg(option.name, option.value);
+    const QString dashes = option.name.size() > 1 ? QStringLiteral("--") : QStringLiteral("-");
+    return (dashes + option.name + u' ' + option.value).trimmed();
 }
 
 /// Two columns, the first as wide as its longest entry.
