@@ -1,6 +1,7 @@
 #include "command.h"
 #include "tools/vlbase/band/verbs.h"
 #include "tools/vlbase/coord/verb.h"
+#include "tools/vlbase/geometry/verb.h"
 #include "tools/vlbase/log/verbs.h"
 #include "tools/vlbase/time/verbs.h"
 
@@ -9,9 +10,10 @@ namespace vlbase::tool {
 const std::vector<Command>& allCommands()
 {
     static const std::vector<Command> commands = {
-        log::ownCommand(),   log::tailCommand(),    log::sendCommand(),     log::statusCommand(),
-        band::listCommand(), band::showCommand(),   band::channelCommand(), band::findCommand(),
-        band::plotCommand(), coord::coordCommand(), time::timeCommand(),
+        log::ownCommand(),      log::tailCommand(),  log::sendCommand(),
+        log::statusCommand(),   band::listCommand(), band::showCommand(),
+        band::channelCommand(), band::findCommand(), band::plotCommand(),
+        coord::coordCommand(),  time::timeCommand(), geometry::geometryCommand(),
     };
     return commands;
 }
