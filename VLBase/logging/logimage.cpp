@@ -84,11 +84,11 @@ LogImage LogImage::format(void* base, int bufferSize)
 {
     LogImage image(base, bufferSize);
     image.word(bufferSizeAt) = bufferSize;
-    image.word(dataOffsetAt) = static_cast<std::int32_t>(headerSize);
     image.setIndex(firstNumber);
     image.setAcceptsDataBlocks(true);
-    // Last, so that nobody takes an unfinished one for a log.
-    std::atomic_thread_fence(std::memory_order_release);
+    // The signature comes last, so that nobody takes an unfinished one for a log; the exchange
+    // keeps it behind all else.
+    image.word(dataOffsetAt).exchange(static_cast<std::int32_t>(headerSize));
     std::memcpy(base, signature, sizeof signature);
     return image;
 }
@@ -216,11 +216,11 @@ void LogImage::dropFront(int index, int bytes)
     const int old = fill(index);
     const int left = std::max(old - bytes, 0);
     char* const lines = half(index);
-    // Whoever dies in the middle leaves an empty half behind and not a mixture.
-    setFill(index, 0);
+    // Whoever dies in the middle leaves an empty half behind and not a mixture. An exchange,
+    // because the bytes must not move before it.
+    word(fillAt[index]).exchange(0);
     if (left == 0)
         return;
-    std::atomic_thread_fence(std::memory_order_seq_cst);
     const int moved = std::min(left + 2, m_bufferSize - bytes);
     std::memmove(lines, lines + bytes, static_cast<std::size_t>(moved));
     setFill(index, left);

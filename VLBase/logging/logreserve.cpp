@@ -70,8 +70,7 @@ void LogReserve::format(void* base, std::size_t stagingBytes, const LogImage& im
     std::memset(base, 0, stagingAt);
     auto* const header = new (base) Header{};
     header->stagingBytes = stagingBytes;
-    header->nextPosition = slotOfCounter(image.index()).value_or(firstPosition);
-    std::atomic_thread_fence(std::memory_order_release);
+    header->nextPosition.exchange(slotOfCounter(image.index()).value_or(firstPosition));
     std::memcpy(header->signature, signature, sizeof signature);
 }
 

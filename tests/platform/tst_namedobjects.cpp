@@ -185,20 +185,21 @@ void tst_NamedObjects::mutex()
     QVERIFY(first.unlock() && !NamedMutex::isHeld(m_name));
     QVERIFY(!first.unlock());
 
-    int counter = 0; // not atomic: the mutex is what makes the sum right
+    // Each step is read and then written: the mutex is what makes the sum right.
+    std::atomic<int> counter{0};
     std::vector<std::thread> threads;
     for (NamedMutex* const mutex : {&first, &second, &first, &second}) {
         threads.emplace_back([mutex, &counter] {
             for (int i = 0; i < 5000; ++i) {
                 mutex->lock(10s);
-                ++counter;
+                counter.store(counter.load() + 1);
                 mutex->unlock();
             }
         });
     }
     for (std::thread& thread : threads)
         thread.join();
-    QCOMPARE(counter, 20000);
+    QCOMPARE(counter.load(), 20000);
 }
 
 void tst_NamedObjects::threadDiesHolding()
