@@ -185,16 +185,17 @@ bool isOfLatitude(char letter)
     return letter == 'N' || letter == 'S';
 }
 
-/// Whether the first angle is the latitude; nothing when the letters contradict each other.
+/// Whether the first angle is the latitude; nothing when the letters contradict each other or
+/// one has none: then something was left out or does not belong here.
 std::optional<bool> isLatitudeFirst(const Angle& first, const Angle& second)
 {
-    if (first.letter && second.letter && isOfLatitude(first.letter) == isOfLatitude(second.letter))
+    if ((first.letter == 0) != (second.letter == 0))
         return std::nullopt;
-    if (first.letter)
-        return isOfLatitude(first.letter);
-    if (second.letter)
-        return !isOfLatitude(second.letter);
-    return !(std::abs(first.degrees) > 90 && std::abs(second.degrees) <= 90);
+    if (first.letter == 0)
+        return !(std::abs(first.degrees) > 90 && std::abs(second.degrees) <= 90);
+    if (isOfLatitude(first.letter) == isOfLatitude(second.letter))
+        return std::nullopt;
+    return isOfLatitude(first.letter);
 }
 
 CoordFormat likestFormat(const Angle& angle)
@@ -229,7 +230,7 @@ std::optional<AnglePair> readAngles(std::string_view text)
         return std::nullopt;
     pair.format = likestFormat(*first);
     // Two equal ones, or a second that can only be a longitude, leave no doubt.
-    pair.isOrderGuessed = !first->letter && !second->letter && std::abs(first->degrees) <= 90 &&
+    pair.isOrderGuessed = !first->letter && std::abs(first->degrees) <= 90 &&
                           std::abs(second->degrees) <= 90 && first->degrees != second->degrees;
     return pair;
 }

@@ -36,6 +36,23 @@ std::optional<Reading> readFreeAngles(std::string_view text)
                        : nullptr};
 }
 
+/// A plain text. Those of SWEREF 99 are those of "Geo long", and mean the same.
+std::optional<Reading> readPlain(std::string_view text)
+{
+    if (auto decimal = readStrictly(text, CoordFormat::GeoDecimal)) {
+        // As many digits, and nothing between them.
+        if (readStrictly(text, CoordFormat::GeoLong))
+            decimal->doubt = "read as decimal degrees; for minutes and seconds say --from long";
+        return decimal;
+    }
+    for (const CoordFormat format :
+         {CoordFormat::QthMaidenhead, CoordFormat::GeoShort, CoordFormat::Utm, CoordFormat::Rt90}) {
+        if (auto reading = readStrictly(text, format))
+            return reading;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 std::optional<Reading> Recognizer::read(std::string_view typed)
@@ -86,14 +103,7 @@ std::optional<Reading> Recognizer::readAny() const
         return reading;
     if (auto reading = readRt90(m_text, false))
         return reading;
-    // Plain texts; those of SWEREF 99 are those of "Geo long", and mean the same.
-    for (const CoordFormat format :
-         {CoordFormat::QthMaidenhead, CoordFormat::GeoDecimal, CoordFormat::GeoLong,
-          CoordFormat::GeoShort, CoordFormat::Utm, CoordFormat::Rt90}) {
-        if (auto reading = readStrictly(m_text, format))
-            return reading;
-    }
-    return std::nullopt;
+    return readPlain(m_text);
 }
 
 } // namespace vlbase::tool::coord
