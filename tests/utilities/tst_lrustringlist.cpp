@@ -10,6 +10,12 @@ public:
     using LruStringList::ItAt;
     using LruStringList::LruStringList;
 
+    List(int limit, const QString& letters)
+        : LruStringList(limit)
+    {
+        for (const QChar letter : letters)
+            PushBack(QString(letter));
+    }
     QString all() const
     {
         QString entries;
@@ -19,14 +25,6 @@ public:
     }
 };
 
-List filled(int limit, const QString& letters)
-{
-    List list(limit);
-    for (const QChar letter : letters)
-        list.Select(QString(letter));
-    return list;
-}
-
 } // namespace
 
 class LruStringListTest : public QObject
@@ -34,84 +32,57 @@ class LruStringListTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void selectingAText();
-    void selectingAnIndex();
-    void pushingBack();
-    void erasing();
-    void smallLimits();
-    void copiesAreTheirOwn();
-};
-
-void LruStringListTest::selectingAText()
-{
-    List list = filled(3, u"abcd"_qs);
-    QCOMPARE(list.all(), u"dcb"_qs);
-    QCOMPARE(list.Select(u"c"_qs), u"c"_qs);
-    QCOMPARE(list.all(), u"cdb"_qs);
-    QCOMPARE(list.Select(u"C"_qs), u"C"_qs);
-    QCOMPARE(list.all(), u"Ccd"_qs);
-    QCOMPARE(list.GetLimit(), 3);
-}
-
-void LruStringListTest::selectingAnIndex()
-{
-    List list = filled(5, u"abc"_qs);
-    QVERIFY(list.Select(3).isNull());
-    QCOMPARE(list.Select(-1), u"c"_qs);
-    QCOMPARE(list.all(), u"cba"_qs);
-    QCOMPARE(list.Select(2), u"a"_qs);
-    QCOMPARE(list.all(), u"acb"_qs);
-    QCOMPARE(list.At(-7), u"a"_qs);
-    QVERIFY(list.At(3).isNull());
-    QCOMPARE(*list.ItAt(1), u"c"_qs);
-    QCOMPARE(list.ItAt(3) - list.ItAt(0), 3);
-    QVERIFY(List(2).Select(0).isNull());
-}
-
-void LruStringListTest::pushingBack()
-{
-    List list = filled(3, u"a"_qs);
-    list.PushBack(u"b"_qs);
-    list.PushBack(u"b"_qs);
-    list.PushBack(u"x"_qs);
-    QCOMPARE(list.all(), u"abb"_qs);
-    list.Select(u"b"_qs);
-    QCOMPARE(list.all(), u"bab"_qs);
-}
-
-void LruStringListTest::erasing()
-{
-    List list = filled(5, u"abc"_qs);
-    list.PushBack(u"c"_qs);
-    list.Erase(u"c"_qs);
-    QCOMPARE(list.all(), u"bac"_qs);
-    list.Erase(u"x"_qs);
-    list.Erase(3);
-    QCOMPARE(list.all(), u"bac"_qs);
-    list.Erase(1);
-    list.Erase(-1);
-    QCOMPARE(list.all(), u"c"_qs);
-}
-
-void LruStringListTest::smallLimits()
-{
-    for (int limit : {1, 0, -5}) {
-        List list = filled(limit, u"ab"_qs);
-        list.PushBack(u"c"_qs);
-        QCOMPARE(list.all(), u"b"_qs);
-        QCOMPARE(list.GetLimit(), 1);
+    void selectingTexts()
+    {
+        List list(3);
+        for (const auto& [text, all] :
+             {std::pair("a", "a"), std::pair("b", "ba"), std::pair("c", "cba"),
+              std::pair("d", "dcb"), std::pair("c", "cdb"), std::pair("C", "Ccd")}) {
+            QCOMPARE(list.Select(QLatin1String(text)), QLatin1String(text));
+            QCOMPARE(list.all(), QLatin1String(all));
+        }
+        list.PushBack(u"x"_qs); // is full
+        QCOMPARE(list.all(), u"Ccd"_qs);
+        List twins(3, u"abb"_qs); // one of two equal entries moves
+        twins.Select(u"b"_qs);
+        QCOMPARE(twins.all(), u"bab"_qs);
     }
-}
 
-void LruStringListTest::copiesAreTheirOwn()
-{
-    List list = filled(3, u"ab"_qs);
-    List copy = list;
-    copy.Select(u"c"_qs);
-    QCOMPARE(list.all(), u"ba"_qs);
-    list = copy;
-    QCOMPARE(list.all(), u"cba"_qs);
-}
+    // A negative index is the first entry, one past the end none.
+    void indices()
+    {
+        const std::tuple<int, const char*, const char*, const char*> cases[] = {
+            {-7, "a", "abc", "bc"}, {0, "a", "abc", "bc"}, {1, "b", "bac", "ac"},
+            {2, "c", "cab", "ab"},  {3, "", "abc", "abc"}, {9, "", "abc", "abc"},
+        };
+        for (const auto& [index, entry, selected, erased] : cases) {
+            List list(5, u"abc"_qs);
+            QCOMPARE(list.At(index), QLatin1String(entry));
+            QCOMPARE(list.At(index).isNull(), index > 2);
+            QCOMPARE(list.ItAt(index) - list.ItAt(0), qBound(0, index, 3));
+            List rest = list; // a copy is its own
+            rest.Erase(index);
+            QCOMPARE(rest.all(), QLatin1String(erased));
+            list.Erase(QLatin1String(entry) + u'?');
+            QCOMPARE(list.Select(index), QLatin1String(entry));
+            QCOMPARE(list.all(), QLatin1String(selected));
+        }
+        List list(5, u"abac"_qs);
+        list.Erase(u"a"_qs);
+        QCOMPARE(list.all(), u"bac"_qs);
+        QVERIFY(List(2).Select(0).isNull());
+    }
+
+    void smallLimits()
+    {
+        for (const int limit : {1, 0, -5}) {
+            List list(limit, u"ab"_qs);
+            list.Select(u"c"_qs);
+            QCOMPARE(list.all(), u"c"_qs);
+            QCOMPARE(list.GetLimit(), 1);
+        }
+    }
+};
 
 QTEST_APPLESS_MAIN(LruStringListTest)
 #include "tst_lrustringlist.moc"
