@@ -128,11 +128,30 @@ void Conductor::dealBlows()
     add(m_scenario.writerStops, &Conductor::stopWriter);
     add(m_scenario.holds, &Conductor::hold);
     std::shuffle(blows.begin(), blows.end(), m_random);
+    awaitProgress();
     for (const Blow blow : blows) {
         pause(20);
         (this->*blow)();
+        awaitProgress();
     }
     m_tally.requestStop();
+}
+
+/// Waits until the log has taken some more lines, so that no blow falls on a log at rest.
+void Conductor::awaitProgress()
+{
+    const auto returned = [this] {
+        quint64 sum = 0;
+        for (int slot = 0; slot < m_tally.slotCount(); ++slot)
+            sum += m_tally.slot(slot).returned;
+        return sum;
+    };
+    const quint64 wanted = returned() + 50;
+    QElapsedTimer clock;
+    clock.start();
+    while (m_scenario.linesPerWriter == 0 && returned() < wanted &&
+           clock.elapsed() < processLimitMs)
+        QThread::usleep(200);
 }
 
 void Conductor::killWriter()

@@ -23,7 +23,6 @@ struct Scenario
     int viewerKills = 0;
     int writerStops = 0; ///< stops of 2.5 s at a random moment
     int holds = 0;       ///< a process that takes the lock and hangs for 3 s
-    bool rotate = false;
 };
 
 /// Starts an owner, a viewer and writers on a log of their own, deals the blows of a scenario and
@@ -48,6 +47,7 @@ private:
     void startViewer();
     void startWriter(Writer& writer);
     void dealBlows();
+    void awaitProgress();
     void killWriter();
     void killOwner();
     void killViewer();
