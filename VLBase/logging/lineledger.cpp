@@ -32,8 +32,8 @@ void LineLedger::resumeAfter(std::string_view lastLine)
     std::optional<std::uint64_t> position;
     for (const std::uint64_t slot : NumberSlots(*number)) {
         position = std::max(position, lastPositionOf(slot));
-        if (isSealed(slot, lineHash(lastLine))) {
-            position = m_reserve->sealAt(slot)->position;
+        if (const auto sealed = sealedPosition(slot, lineHash(lastLine))) {
+            position = sealed;
             break;
         }
     }
@@ -60,11 +60,11 @@ std::optional<LineLedger::Judgement> LineLedger::judgeSealed(std::string_view li
     const std::uint64_t hash = lineHash(line);
     bool repeated = false;
     for (const std::uint64_t slot : NumberSlots(number)) {
-        if (!isSealed(slot, hash))
+        const auto position = sealedPosition(slot, hash);
+        if (!position)
             continue;
-        const std::uint64_t position = m_reserve->sealAt(slot)->position;
-        if (!m_next || position >= *m_next)
-            return acceptAt(position);
+        if (!m_next || *position >= *m_next)
+            return acceptAt(*position);
         repeated = true;
     }
     if (m_reserve->takeInjected(hash))
@@ -100,10 +100,12 @@ LineLedger::Judgement LineLedger::acceptAt(std::uint64_t position)
     return {Verdict::Accept, lost};
 }
 
-bool LineLedger::isSealed(std::uint64_t slot, std::uint64_t lineHash) const
+std::optional<std::uint64_t> LineLedger::sealedPosition(std::uint64_t slot,
+                                                        std::uint64_t lineHash) const
 {
     const auto seal = m_reserve ? m_reserve->sealAt(slot) : std::nullopt;
-    return seal && seal->hash == LogReserve::sealHash(lineHash);
+    return seal && seal->hash == LogReserve::sealHash(lineHash) ? std::optional(seal->position)
+                                                                : std::nullopt;
 }
 
 // Whether another line than the one at hand was sealed for this slot and is still to come. The

@@ -58,7 +58,7 @@ private:
     std::optional<Judgement> judgeSealed(std::string_view line, std::int32_t number);
     Judgement judgeByNumber(std::int32_t number);
     Judgement acceptAt(std::uint64_t position);
-    bool isSealed(std::uint64_t slot, std::uint64_t lineHash) const;
+    std::optional<std::uint64_t> sealedPosition(std::uint64_t slot, std::uint64_t lineHash) const;
     bool awaitsOther(std::uint64_t slot) const;
     std::optional<std::uint64_t> lastPositionOf(std::uint64_t slot) const;
 

@@ -4,6 +4,7 @@
 #include <VLBase/logging/lineindex.h>
 #include <VLBase/logging/logobjects.h>
 
+#include <algorithm>
 #include <chrono>
 
 namespace vlbase::logging {
@@ -61,7 +62,7 @@ void LogAttachment::ensureReserve(int reserveBytes)
 {
     if (m_reserve || m_reserveMapping.isOpen())
         return;
-    const auto staging = static_cast<std::size_t>(reserveBytes);
+    const auto staging = static_cast<std::size_t>(std::max(reserveBytes, 0));
     const std::string name = objectName(reserveObject);
     for (const std::size_t bytes : {staging, std::size_t(0)}) {
         if (!m_reserveMapping.create(name, LogReserve::sizeFor(bytes)))

@@ -5,6 +5,10 @@
 
 namespace vlbase::logging {
 
+namespace {
+constexpr std::uint64_t farthest = std::uint64_t(1) << 62; // so that no sum overflows
+}
+
 LogStaging::LogStaging(Control* control, char* ring, std::size_t size)
     : m_control(control)
     , m_ring(ring)
@@ -17,10 +21,9 @@ std::uint64_t LogStaging::nextRound(std::uint64_t end) const
     return (end + m_size - 1) / m_size * m_size;
 }
 
-// Whether the lines from \a begin to \a end leave out the rest of a round.
-bool LogStaging::skips(std::uint64_t begin, std::uint64_t end) const
+// Whether the lines from \a begin to \a end leave out the rest of the round after \a at.
+bool LogStaging::skips(std::uint64_t at, std::uint64_t begin, std::uint64_t end) const
 {
-    const std::uint64_t at = m_control->skipAt.load(std::memory_order_relaxed);
     return at >= begin && at % m_size != 0 && nextRound(at) < end;
 }
 
@@ -73,11 +76,12 @@ std::string_view LogStaging::pending() const
 {
     const std::uint64_t end = m_control->taken.load(std::memory_order_acquire);
     std::uint64_t begin = m_control->written.load(std::memory_order_relaxed);
-    if (begin >= end) // ahead for a moment while the ring begins anew
+    if (begin >= end || end >= farthest) // ahead for a moment while the ring begins anew
         return {};
     std::uint64_t stop = end;
-    if (skips(begin, end)) {
-        const std::uint64_t at = m_control->skipAt.load(std::memory_order_relaxed);
+    // Read once: whatever others write there meanwhile, the piece lies in the ring.
+    const std::uint64_t at = m_control->skipAt.load(std::memory_order_relaxed);
+    if (skips(at, begin, end)) {
         if (at == begin)
             begin = nextRound(at);
         else
@@ -105,11 +109,8 @@ std::size_t LogStaging::bytes() const
     const std::uint64_t begin = m_control->written.load(std::memory_order_acquire);
     if (begin >= end)
         return 0;
-    std::uint64_t skipped = 0;
-    if (skips(begin, end)) {
-        const std::uint64_t at = m_control->skipAt.load(std::memory_order_relaxed);
-        skipped = nextRound(at) - at;
-    }
+    const std::uint64_t at = m_control->skipAt.load(std::memory_order_relaxed);
+    const std::uint64_t skipped = skips(at, begin, end) ? nextRound(at) - at : 0;
     return static_cast<std::size_t>(end - begin - skipped);
 }
 
@@ -117,7 +118,6 @@ void LogStaging::discardIfDamaged()
 {
     const std::uint64_t end = m_control->taken.load();
     const std::uint64_t begin = m_control->written.load();
-    constexpr std::uint64_t farthest = std::uint64_t(1) << 62; // so that no sum overflows
     const bool counts = begin <= end && end - begin <= m_size && end < farthest;
     const std::string_view lines = counts ? pending() : std::string_view();
     const bool inside =

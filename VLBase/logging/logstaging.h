@@ -54,7 +54,7 @@ public:
 
 private:
     std::uint64_t nextRound(std::uint64_t end) const;
-    bool skips(std::uint64_t begin, std::uint64_t end) const;
+    bool skips(std::uint64_t at, std::uint64_t begin, std::uint64_t end) const;
 
     Control* m_control = nullptr;
     char* m_ring = nullptr;

@@ -54,7 +54,10 @@ int CMMShared::GetUserCount()
         return -1;
     const Lock lock(this);
     const LogImage& image = m_registration->attachment().image();
-    return image.users(Role::Owner) + image.users(Role::Writer) + image.users(Role::Reader);
+    std::uint32_t users = 0; // any values may stand there, and these wrap without harm
+    for (const Role role : {Role::Owner, Role::Writer, Role::Reader})
+        users += static_cast<std::uint32_t>(image.users(role));
+    return static_cast<int>(users);
 }
 
 char* CMMShared::GetFileName()

@@ -142,7 +142,8 @@ void tst_LogOwner::damagedRing()
         control.skipAt = wild();
         LogStaging ring(&control, bytes.data(), bytes.size());
         bytes[random() % 100] = static_cast<char>(random() % 2);
-        ring.discardIfDamaged();
+        if (random() % 2) // it may also be damaged later than at the start
+            ring.discardIfDamaged();
         const std::string_view pack = ring.pending();
         QVERIFY(pack.empty() || (pack.data() >= bytes.data() && pack.size() <= 100 &&
                                  pack.data() + pack.size() <= bytes.data() + 100));
