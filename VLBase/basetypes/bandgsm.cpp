@@ -6,8 +6,8 @@
 #include <utility>
 
 using vlbase::channelDistance;
+using vlbase::nearestChannel;
 using vlbase::overlaps;
-using vlbase::roundHalfUp;
 using vlbase::toChannel;
 
 BandGSM::BandGSM()
@@ -105,7 +105,7 @@ double BandGSM::GetFrequency(unsigned long channel)
 unsigned long BandGSM::GetChannelForFrequency(double frequency) const
 {
     if (m_subBands.size() <= 1)
-        return toChannel(roundHalfUp((frequency - m_startFreq) / m_stepWidth + m_factor));
+        return nearestChannel((frequency - m_startFreq) / m_stepWidth + m_factor);
 
     quint32 channel = 0;
     for (const SubBandGSM& sub : m_subBands) {
@@ -115,8 +115,7 @@ unsigned long BandGSM::GetChannelForFrequency(double frequency) const
         const double last =
             channelDistance(sub.m_stopChannel, sub.m_factor) * sub.m_stepWidth + sub.m_startFreq;
         if (frequency >= first && last >= frequency) {
-            channel = toChannel(
-                std::trunc((frequency - sub.m_startFreq) / sub.m_stepWidth + sub.m_factor));
+            channel = toChannel((frequency - sub.m_startFreq) / sub.m_stepWidth + sub.m_factor);
         }
     }
     return channel;

@@ -2,7 +2,6 @@
 
 #include <QtGlobal>
 
-#include <cmath>
 #include <limits>
 
 namespace vlbase {
@@ -16,33 +15,46 @@ inline double channelDistance(quint32 channel, quint32 origin)
     return static_cast<qint32>(channel - origin);
 }
 
-/// A whole number as a 32-bit channel. Negative ones wrap as the machine's arithmetic does; what
-/// fits neither a signed nor an unsigned number becomes the nearest that does, NaN becomes 0.
-inline quint32 toChannel(double whole)
+// The functions of <cmath> that round or compare are calls, each of which costs as much as all the
+// rest of finding a channel. Hence the plain comparisons and conversions.
+
+/// A number in the range of channels, signed or unsigned: the nearest that is, and 0 for NaN.
+inline double withinChannels(double value)
 {
-    if (std::isnan(whole))
-        return 0;
     constexpr double lowest = std::numeric_limits<qint32>::min();
     constexpr double highest = std::numeric_limits<quint32>::max();
-    const double clamped = whole < lowest ? lowest : whole > highest ? highest : whole;
-    return static_cast<quint32>(static_cast<qint64>(clamped));
+    if (value < lowest)
+        return lowest;
+    if (value > highest)
+        return highest;
+    return value == value ? value : 0.0;
 }
 
-/// The nearest integer, halves rounded up. Adding 0.5 first would round the number just below a
-/// half up as well.
-inline double roundHalfUp(double value)
+/// The channel that a number lies in, cut towards 0. Negative ones wrap as the machine's arithmetic
+/// does.
+inline quint32 toChannel(double value)
 {
-    const double below = std::floor(value);
-    return value - below >= 0.5 ? below + 1.0 : below;
+    return static_cast<quint32>(static_cast<qint64>(withinChannels(value)));
+}
+
+/// The nearest channel, halves rounded up. Adding 0.5 first would round the number just below a
+/// half up as well.
+inline quint32 nearestChannel(double value)
+{
+    const double kept = withinChannels(value);
+    const auto cut = static_cast<qint64>(kept);
+    const qint64 below = static_cast<double>(cut) > kept ? cut - 1 : cut;
+    return static_cast<quint32>(kept - static_cast<double>(below) >= 0.5 ? below + 1 : below);
 }
 
 /// Whether two closed intervals meet; the ends of each may come in either order, and an end that
 /// is not a number meets nothing.
 inline bool overlaps(double a, double b, double c, double d)
 {
-    if (std::isnan(a) || std::isnan(b) || std::isnan(c) || std::isnan(d))
-        return false;
-    return std::fmin(a, b) <= std::fmax(c, d) && std::fmin(c, d) <= std::fmax(a, b);
+    const double low = a < b ? a : b;
+    const double high = a < b ? b : a;
+    const bool isOrdered = c <= d || d <= c; // false where one is not a number
+    return isOrdered && low <= (c < d ? d : c) && (c < d ? c : d) <= high && a == a && b == b;
 }
 
 } // namespace vlbase
