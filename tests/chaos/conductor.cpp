@@ -3,6 +3,7 @@
 #include "processcontrol.h"
 
 #include <VLBase/logging/loginstance.h>
+#include <VLBase/logging/logowner.h>
 #include <VLBase/logging/logwriter.h>
 
 #include <QCoreApplication>
@@ -57,6 +58,9 @@ Conductor::~Conductor()
         end(*m_viewer);
     if (m_owner)
         end(*m_owner);
+    // Whoever was killed left memory behind, which goes with the last one that opens it.
+    setLogInstance(m_instance);
+    const vlbase::logging::LogOwner sweeper(4096);
 }
 
 Verdict Conductor::run()
