@@ -4,6 +4,7 @@
 
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
+#include <VLBase/logging/logviewerclaim.h>
 #include <VLBase/logging/logwriter.h>
 
 #include <QCoreApplication>
@@ -61,6 +62,7 @@ Conductor::~Conductor()
     // Whoever was killed left memory behind, which goes with the last one that opens it.
     setLogInstance(m_instance);
     const vlbase::logging::LogOwner sweeper(4096);
+    vlbase::logging::LogViewerClaim().take();
 }
 
 Verdict Conductor::run()
