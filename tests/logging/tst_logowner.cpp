@@ -136,7 +136,10 @@ void tst_LogOwner::damagedRing()
     std::vector<char> bytes(100, 'x');
     for (int round = 0; round < 20000; ++round) {
         LogStaging::Control control;
-        const auto wild = [&random] { return random() >> (random() % 64); };
+        const auto wild = [&random]() -> std::uint64_t {
+            const std::uint64_t bits = random() >> (random() % 64);
+            return random() % 2 ? bits : ~bits;
+        };
         control.taken = wild();
         control.written = wild();
         control.skipAt = wild();
