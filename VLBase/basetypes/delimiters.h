@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -14,7 +15,8 @@ public:
         : m_units(units)
         , m_count(count)
     {
-        for (std::size_t i = 0; i < count; ++i) {
+        // A single one is compared with, which is faster.
+        for (std::size_t i = 0; i < count && count > 1; ++i) {
             if (units[i] < asciiCount)
                 m_ascii[units[i] >> 6] |= std::uint64_t{1} << (units[i] & 63);
             else
@@ -24,6 +26,8 @@ public:
 
     bool contains(Unit unit) const
     {
+        if (m_count == 1)
+            return unit == m_units[0];
         if (unit < asciiCount)
             return (m_ascii[unit >> 6] >> (unit & 63) & 1) != 0;
         return !m_onlyAscii && containsRare(unit);
@@ -32,9 +36,9 @@ public:
     /// The first delimiter of a range, or its end.
     const Unit* find(const Unit* from, const Unit* end) const
     {
-        while (from != end && !contains(*from))
-            ++from;
-        return from;
+        if (m_count == 1)
+            return std::find(from, end, m_units[0]);
+        return std::find_if(from, end, [this](Unit unit) { return contains(unit); });
     }
 
 private:
@@ -42,11 +46,7 @@ private:
 
     bool containsRare(Unit unit) const
     {
-        for (std::size_t i = 0; i < m_count; ++i) {
-            if (m_units[i] == unit)
-                return true;
-        }
-        return false;
+        return std::find(m_units, m_units + m_count, unit) != m_units + m_count;
     }
 
     const Unit* m_units;

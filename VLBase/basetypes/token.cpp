@@ -107,7 +107,7 @@ QString Tokenizer::next(QStringView delimiters)
         const Delimiters<char16_t> set(delimiters.utf16(),
                                        static_cast<std::size_t>(delimiters.size()));
         const char16_t* start = takeToken(position, end, set);
-        token = m_text->mid(start - begin, position - start);
+        token = QString(reinterpret_cast<const QChar*>(start), position - start);
     }
     m_position = reinterpret_cast<const QChar*>(position);
     return token;
