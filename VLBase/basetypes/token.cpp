@@ -71,9 +71,9 @@ QString Tokenizer::operator()(const wchar_t* delimiters)
 
 QString Tokenizer::operator()(const QString& delimiters)
 {
-    const QStringView all(delimiters);
-    const qsizetype zero = all.indexOf(QChar(u'\0'));
-    return next(zero < 0 ? all : all.first(zero));
+    const auto* begin = reinterpret_cast<const char16_t*>(delimiters.constData());
+    const auto* end = std::find(begin, begin + delimiters.size(), u'\0');
+    return next(QStringView(begin, end));
 }
 
 QString Tokenizer::operator()(const wchar_t* delimiters, quint64 count)
@@ -99,18 +99,16 @@ QString Tokenizer::operator()()
 
 QString Tokenizer::next(QStringView delimiters)
 {
-    const auto* begin = reinterpret_cast<const char16_t*>(m_text->constData());
-    const auto* end = begin + m_text->size();
-    const auto* position = m_position ? reinterpret_cast<const char16_t*>(m_position) : begin;
-    QString token;
-    if (position < end) {
-        const Delimiters<char16_t> set(delimiters.utf16(),
-                                       static_cast<std::size_t>(delimiters.size()));
-        const char16_t* start = takeToken(position, end, set);
-        token = QString(reinterpret_cast<const QChar*>(start), position - start);
-    }
+    if (!m_position)
+        m_position = m_text->constData();
+    const auto* position = reinterpret_cast<const char16_t*>(m_position);
+    const auto* end = reinterpret_cast<const char16_t*>(m_text->constData() + m_text->size());
+    if (position >= end)
+        return QString();
+    const Delimiters<char16_t> set(delimiters.utf16(), static_cast<std::size_t>(delimiters.size()));
+    const char16_t* start = takeToken(position, end, set);
     m_position = reinterpret_cast<const QChar*>(position);
-    return token;
+    return QString(reinterpret_cast<const QChar*>(start), position - start);
 }
 
 CTokenizer::CTokenizer(const std::string& text)
@@ -124,16 +122,12 @@ std::string CTokenizer::operator()(const char* delimiters)
     const auto bytes = [](const char* text) { return reinterpret_cast<const Byte*>(text); };
     const Byte* end = bytes(m_text->data()) + m_text->size();
     const Byte* position = bytes(m_position ? m_position : m_text->data());
-    std::string token;
-    if (position < end) {
-        const std::string_view set(delimiters ? delimiters : "");
-        const Byte* start =
-            takeToken(position, end, Delimiters<Byte>(bytes(set.data()), set.size()));
-        token.assign(reinterpret_cast<const char*>(start),
-                     static_cast<std::size_t>(position - start));
-    }
+    if (position >= end)
+        return std::string();
+    const std::string_view set(delimiters ? delimiters : "");
+    const Byte* start = takeToken(position, end, Delimiters<Byte>(bytes(set.data()), set.size()));
     m_position = reinterpret_cast<const char*>(position);
-    return token;
+    return std::string(start, position);
 }
 
 } // namespace Vela
