@@ -1,5 +1,7 @@
 #include "vlthread.h"
 
+#include <climits>
+
 IRun::~IRun() = default;
 
 VLThread::VLThread(IRun& work)
@@ -9,14 +11,23 @@ VLThread::VLThread(IRun& work)
 
 VLThread::~VLThread()
 {
-    m_bStop = true;
-    wait();
+    finish(QDeadlineTimer(QDeadlineTimer::Forever));
 }
 
 bool VLThread::Finish(unsigned long timeoutMs)
 {
+    return finish(timeoutMs == ULONG_MAX ? QDeadlineTimer(QDeadlineTimer::Forever)
+                                         : QDeadlineTimer(static_cast<qint64>(timeoutMs)));
+}
+
+bool VLThread::finish(QDeadlineTimer deadline)
+{
     m_bStop = true;
-    return wait(timeoutMs);
+    const bool ended = wait(deadline);
+    // Orders what the thread did before what follows here. The wait does so too, but a thread
+    // sanitizer does not see into Qt.
+    (void)m_bEnded.load();
+    return ended;
 }
 
 void VLThread::msleep(unsigned long milliseconds)
@@ -36,4 +47,5 @@ void VLThread::run()
     }
     m_Work.Exit();
     m_Work.Done();
+    m_bEnded = true;
 }

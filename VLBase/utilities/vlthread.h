@@ -2,6 +2,7 @@
 
 #include <VLBase/vlbase_export.h>
 
+#include <QDeadlineTimer>
 #include <QThread>
 
 #include <atomic>
@@ -54,6 +55,9 @@ protected:
     void run() override;
 
 private:
+    bool finish(QDeadlineTimer deadline);
+
     IRun& m_Work;
     std::atomic<bool> m_bStop{false};
+    std::atomic<bool> m_bEnded{false};
 };

@@ -7,7 +7,8 @@
 
 namespace {
 
-/// Notes the calls; `order` is read when the thread has ended.
+/// Notes the calls. What is not atomic is read only after `done`, which orders the threads also for
+/// a sanitizer that does not look into QThread.
 class Work : public IRun
 {
 public:
@@ -60,6 +61,7 @@ private Q_SLOTS:
         VLThread thread(work);
         thread.start();
         QVERIFY(thread.wait(30'000));
+        QVERIFY(work.done);
         QCOMPARE(work.order, std::string("ISED"));
         QCOMPARE(work.steps.load(), 3);
         QCOMPARE(work.thread, &thread);
@@ -75,6 +77,7 @@ private Q_SLOTS:
         QVERIFY(!thread.Finish(0) && !thread.Finish(20));
         work.blocked = false;
         QVERIFY(thread.Finish(30'000));
+        QVERIFY(work.done);
         QCOMPARE(work.order, std::string("ISED"));
         QCOMPARE(work.steps.load(), 1);
     }
@@ -86,6 +89,7 @@ private Q_SLOTS:
         QVERIFY(thread.Finish(0));
         thread.start();
         QVERIFY(thread.wait(30'000));
+        QVERIFY(work.done);
         QCOMPARE(work.order, std::string("IED"));
     }
 
