@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <optional>
 #include <string_view>
 #include <system_error>
 
@@ -68,17 +69,19 @@ bool isHuge(std::string_view number, bool hex)
     return places * (hex ? 4 : 1) + exponentOf(number, marks) > 0;
 }
 
-/// The number at the start of the text, which has no sign and "." as its decimal point; 0 when
-/// there is none.
-double unsignedNumber(std::string_view text)
+/// The number at the start of the text, which has no sign and "." as its decimal point.
+/// \return nothing when there is none.
+std::optional<double> unsignedNumber(std::string_view text)
 {
     const bool hex = takeHexPrefix(text);
     double value = 0.0;
     const auto format = hex ? std::chars_format::hex : std::chars_format::general;
     const auto [end, error] =
         std::from_chars(text.data(), text.data() + text.size(), value, format);
+    if (error == std::errc())
+        return value;
     if (error != std::errc::result_out_of_range)
-        return error == std::errc() ? value : 0.0;
+        return std::nullopt;
     const std::string_view number = text.substr(0, static_cast<std::size_t>(end - text.data()));
     return isHuge(number, hex) ? std::numeric_limits<double>::infinity() : 0.0;
 }
@@ -103,9 +106,11 @@ double numberWithEitherSeparator(QStringView text)
     // A second sign is for std::from_chars the first.
     if (ascii.isEmpty() || ascii.front() == '-')
         return 0.0;
-    const double value =
+    const auto value =
         unsignedNumber(std::string_view(ascii.data(), static_cast<std::size_t>(ascii.size())));
-    return negative ? -value : value;
+    if (!value)
+        return 0.0;
+    return negative ? -*value : *value;
 }
 
 /// Reads whole "_" numerator "/" denominator.
