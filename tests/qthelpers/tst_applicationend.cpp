@@ -8,6 +8,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include <atomic>
 #include <memory>
 
 /// What happens when the application goes first: each case makes one of its own.
@@ -44,7 +45,7 @@ void TestApplicationEnd::pendingCallsGoWithTheApplication()
 void TestApplicationEnd::pendingCallsGoWithTheirThread()
 {
     QCoreApplication application(m_argc, m_argv);
-    const auto state = std::make_shared<bool>(false);
+    const auto state = std::make_shared<std::atomic<bool>>(false);
     std::unique_ptr<QThread> thread(QThread::create([state] {
         QTimerHelpers::singleShot(60'000, [state] { *state = true; });
         QTimerHelpers::singleShot(0, [state] { *state = true; });
