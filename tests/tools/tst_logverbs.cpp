@@ -36,8 +36,12 @@ public:
         m_process.setProgram(QCoreApplication::applicationDirPath() + QStringLiteral("/vlbase"));
         m_process.setArguments(arguments);
     }
+    /// Asks first: a killed program leaves the log's named objects to the next one that looks.
     ~Verb()
     {
+        m_process.closeWriteChannel();
+        m_process.terminate();
+        m_process.waitForFinished(3000);
         m_process.kill();
         m_process.waitForFinished(limitMs);
     }
@@ -265,11 +269,11 @@ void LogVerbsTest::rotatesUnderLoad()
     constexpr int count = 30000;
     Verb& owner = startOwner({QStringLiteral("--rotate"), QStringLiteral("64K"),
                               QStringLiteral("--keep"), QStringLiteral("500")});
-    Verb& live = start({QStringLiteral("tail"), QStringLiteral("--quiet"),
-                        QStringLiteral("--count"), QStringLiteral("1")});
+    Verb& live = start({QStringLiteral("tail"), QStringLiteral("--count"), QStringLiteral("1")});
+    QVERIFY(live.says("showing the log live"));
     Verb& follower = start({QStringLiteral("tail"), QStringLiteral("--json"),
                             QStringLiteral("--count"), QString::number(count + 1)});
-    QVERIFY(follower.says("showing the log "));
+    QVERIFY(follower.says("showing the log from"));
     Verb& mark = start({QStringLiteral("send"), QStringLiteral("event"), QStringLiteral("mark")});
     QCOMPARE(mark.finish(), 0);
     QCOMPARE(live.finish(), 0);

@@ -145,9 +145,9 @@ void tellStart(const CommandLine& line, const LogOwner& owner, const Settings& s
     line.tell(text);
 }
 
-int serve(CommandLine& line, LogOwner& owner, const Settings& settings)
+int serve(CommandLine& line, LogOwner& owner, const Settings& settings,
+          const platform::StopSignal& stop)
 {
-    const platform::StopSignal stop;
     const auto store = makeNativeFileStore();
     const std::string file = settings.file.toStdString();
     QDir().mkpath(QFileInfo(settings.file).absolutePath());
@@ -194,11 +194,13 @@ int run(CommandLine& line)
     if (line.hasFault())
         return line.tellFault();
 
+    // Around the owner's whole life: a wish to end that comes late must not cut off its leaving.
+    const platform::StopSignal stop;
     LogOwner owner(settings.bufferBytes, settings.reserveBytes);
     switch (owner.openResult()) {
     case LogOwner::OpenResult::Created:
     case LogOwner::OpenResult::TookOver:
-        return serve(line, owner, settings);
+        return serve(line, owner, settings, stop);
     case LogOwner::OpenResult::Busy:
         line.tell(QStringLiteral("the log has an owner already; it writes to %1")
                       .arg(QString::fromStdString(logging::peekLog().fileName)));
