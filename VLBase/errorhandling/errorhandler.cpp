@@ -14,6 +14,7 @@
 #include <QMetaType>
 #include <QThread>
 
+#include <chrono>
 #include <mutex>
 #include <utility>
 
@@ -42,7 +43,7 @@ QString logFilePath()
 // ends finds it; what it holds goes when the library is unloaded.
 struct ErrorHandler::Installed
 {
-    std::recursive_mutex mutex; // also held while the tracer runs
+    std::recursive_timed_mutex mutex; // also held while the tracer runs
     std::shared_ptr<ILogTracer> m_LogTracer;
     std::shared_ptr<IMessageDialog> m_MessageDlg;
 };
@@ -416,6 +417,10 @@ ErrorHandler::AtUnload::~AtUnload()
             return;
         handler->m_QualityMutex.unlock();
     }
+    std::unique_lock<std::recursive_timed_mutex> lock(installed().mutex, std::defer_lock);
+    if (!lock.try_lock_for(std::chrono::milliseconds(PatienceMs)))
+        return;
+    lock.unlock();
     SetLogTracer(nullptr);
     SetMessageDlg(nullptr);
     if (handler)

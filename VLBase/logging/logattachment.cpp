@@ -27,12 +27,12 @@ std::shared_ptr<LogAttachment> LogAttachment::join(bool& absent)
     if (opened != NamedMapping::Opened::Done || LogImage::defect(mapping.data(), mapping.size()) ||
         !attachment->m_mutex.open(objectName(mutexObject)))
         return nullptr;
-    attachment->m_image = LogImage::view(mapping.data());
+    attachment->m_image = LogImage::view(mapping.data(), mapping.size());
 
     NamedMapping& reserve = attachment->m_reserveMapping;
     if (reserve.open(objectName(reserveObject)) == NamedMapping::Opened::Done &&
         LogReserve::isReserve(reserve.data(), reserve.size()))
-        attachment->m_reserve.emplace(reserve.data(), attachment->m_image);
+        attachment->m_reserve.emplace(reserve.data(), reserve.size(), attachment->m_image);
     return attachment;
 }
 
@@ -53,7 +53,7 @@ std::shared_ptr<LogAttachment> LogAttachment::create(int bufferSize)
         LogReserve::isReserve(reserve.data(), reserve.size())) {
         LogReserve::format(reserve.data(), LogReserve::stagingBytes(reserve.data()),
                            attachment->m_image);
-        attachment->m_reserve.emplace(reserve.data(), attachment->m_image);
+        attachment->m_reserve.emplace(reserve.data(), reserve.size(), attachment->m_image);
     }
     return attachment;
 }
@@ -68,7 +68,7 @@ void LogAttachment::ensureReserve(int reserveBytes)
         if (!m_reserveMapping.create(name, LogReserve::sizeFor(bytes)))
             continue;
         LogReserve::format(m_reserveMapping.data(), bytes, m_image);
-        m_reserve.emplace(m_reserveMapping.data(), m_image);
+        m_reserve.emplace(m_reserveMapping.data(), m_reserveMapping.size(), m_image);
         return;
     }
 }

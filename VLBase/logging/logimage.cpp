@@ -75,9 +75,10 @@ const char* LogImage::defect(const void* base, std::size_t size)
     return nullptr;
 }
 
-LogImage LogImage::view(void* base)
+LogImage LogImage::view(void* base, std::size_t size)
 {
-    return LogImage(base, readWord(base, bufferSizeAt));
+    const std::int32_t bufferSize = readWord(base, bufferSizeAt);
+    return LogImage(base, bufferSize > 0 && sizeFor(bufferSize) <= size ? bufferSize : 0);
 }
 
 LogImage LogImage::format(void* base, int bufferSize)

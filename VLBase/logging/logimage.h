@@ -35,8 +35,9 @@ public:
     /// What keeps \a size bytes at \a base from being a log; null when they are one.
     static const char* defect(const void* base, std::size_t size);
 
-    /// Views an existing log, which has no defect.
-    static LogImage view(void* base);
+    /// Views an existing log of \a size bytes, which has no defect. Should its buffer size have
+    /// been changed since that was found, the view is of a log without room.
+    static LogImage view(void* base, std::size_t size);
 
     /// Makes a log in zeroed memory of `sizeFor(bufferSize)` bytes.
     static LogImage format(void* base, int bufferSize);

@@ -140,7 +140,12 @@ LogOwner::Drained LogOwner::drain()
     drained.timedOut = attachment.lock() == platform::LockResult::TimedOut;
     drained.fillBefore = image.fill(1);
     if (drained.fillBefore > 0) {
-        drained.stagingFull = !m_staging->take(image);
+        bool taken = m_staging->take(image);
+        if (!taken && m_staging->pending().empty()) { // not full, so spoilt by somebody
+            m_staging->discardIfDamaged();
+            taken = m_staging->take(image);
+        }
+        drained.stagingFull = !taken;
         drained.bytes = drained.stagingFull ? 0 : drained.fillBefore;
     }
     drained.trimmed = trimViewersHalf(drained.fillBefore);

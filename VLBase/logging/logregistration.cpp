@@ -3,6 +3,8 @@
 #include <VLBase/logging/logobjects.h>
 #include <VLBase/platform/openinglock.h>
 
+#include <QCoreApplication>
+
 #include <mutex>
 #include <utility>
 
@@ -82,6 +84,7 @@ LogRegistration::LogRegistration(Role role, std::shared_ptr<LogAttachment> attac
     : m_role(role)
     , m_attachment(std::move(attachment))
     , m_ownerClaim(std::move(claim))
+    , m_process(QCoreApplication::applicationPid())
 {
 }
 
@@ -112,6 +115,8 @@ std::shared_ptr<LogRegistration> LogRegistration::open(int role, int bufferSize,
 
 LogRegistration::~LogRegistration()
 {
+    if (m_process != QCoreApplication::applicationPid())
+        return; // a forked child, which was never counted
     m_attachment->lock();
     m_attachment->image().removeUser(m_role);
     m_attachment->unlock();

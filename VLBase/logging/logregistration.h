@@ -3,6 +3,8 @@
 #include <VLBase/logging/logattachment.h>
 #include <VLBase/platform/namedclaim.h>
 
+#include <QtGlobal>
+
 #include <memory>
 
 namespace vlbase::logging {
@@ -38,6 +40,7 @@ private:
     Role m_role;
     std::shared_ptr<LogAttachment> m_attachment;
     platform::NamedClaim m_ownerClaim;
+    qint64 m_process;
 };
 
 } // namespace vlbase::logging

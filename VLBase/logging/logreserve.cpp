@@ -3,6 +3,7 @@
 #include <VLBase/logging/linehash.h>
 #include <VLBase/logging/lineindex.h>
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -55,14 +56,16 @@ std::size_t LogReserve::stagingBytes(const void* base)
     return static_cast<const Header*>(base)->stagingBytes;
 }
 
-LogReserve::LogReserve(void* base, LogImage image)
+LogReserve::LogReserve(void* base, std::size_t size, LogImage image)
     : m_image(image)
     , m_header(static_cast<Header*>(base))
 {
     char* const bytes = static_cast<char*>(base);
     m_seals = reinterpret_cast<std::atomic<std::uint64_t>*>(bytes + sealsAt);
     m_injected = reinterpret_cast<std::atomic<std::uint64_t>*>(bytes + injectedAt);
-    m_staging = LogStaging(&m_header->staging, bytes + stagingAt, m_header->stagingBytes);
+    // Others can have changed the size since it was checked.
+    const std::size_t room = std::min<std::uint64_t>(m_header->stagingBytes, size - stagingAt);
+    m_staging = LogStaging(&m_header->staging, bytes + stagingAt, room);
 }
 
 void LogReserve::format(void* base, std::size_t stagingBytes, const LogImage& image)

@@ -34,8 +34,8 @@ public:
     /// Size of its staging ring, for `isReserve` memory.
     static std::size_t stagingBytes(const void* base);
 
-    /// Uses a reserve, `isReserve`, beside \a image.
-    LogReserve(void* base, LogImage image);
+    /// Uses a reserve of \a size bytes, `isReserve`, beside \a image.
+    LogReserve(void* base, std::size_t size, LogImage image);
 
     /// Makes a reserve in memory of `sizeFor(stagingBytes)` bytes, whatever was there before.
     static void format(void* base, std::size_t stagingBytes, const LogImage& image);

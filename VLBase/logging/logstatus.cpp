@@ -38,7 +38,7 @@ void readReserve(const LogImage& image, LogStatus& status)
             NamedMapping::Opened::Done ||
         !LogReserve::isReserve(mapping.data(), mapping.size()))
         return;
-    const LogReserve reserve(mapping.data(), image);
+    const LogReserve reserve(mapping.data(), mapping.size(), image);
     status.hasReserve = true;
     status.linesNumbered = reserve.reached() - firstPosition;
     status.reserveBytes = reserve.staging().size();
@@ -65,7 +65,7 @@ LogStatus peekLog()
         return status;
     }
     status.presence = LogStatus::Presence::Present;
-    const LogImage image = LogImage::view(mapping.data());
+    const LogImage image = LogImage::view(mapping.data(), mapping.size());
     readImage(image, status);
     readReserve(image, status);
     status.ownerAlive = platform::NamedClaim::isTaken(objectName(ownerObject));

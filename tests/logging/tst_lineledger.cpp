@@ -32,7 +32,8 @@ public:
             return;
         m_reserveBytes.resize(LogReserve::sizeFor(0) / 8 + 1);
         LogReserve::format(m_reserveBytes.data(), 0, m_image);
-        m_reserve = std::make_unique<LogReserve>(m_reserveBytes.data(), m_image);
+        m_reserve =
+            std::make_unique<LogReserve>(m_reserveBytes.data(), m_reserveBytes.size() * 8, m_image);
     }
 
     const LogReserve* reserve() const { return m_reserve.get(); }

@@ -35,6 +35,7 @@ SharedFile::~SharedFile()
 
 SharedFile::SharedFile(SharedFile&& other) noexcept
     : m_descriptor(std::exchange(other.m_descriptor, -1))
+    , m_process(other.m_process)
     , m_path(std::move(other.m_path))
 {
 }
@@ -42,6 +43,7 @@ SharedFile::SharedFile(SharedFile&& other) noexcept
 SharedFile& SharedFile::operator=(SharedFile&& other) noexcept
 {
     std::swap(m_descriptor, other.m_descriptor);
+    std::swap(m_process, other.m_process);
     std::swap(m_path, other.m_path);
     return *this;
 }
@@ -50,6 +52,7 @@ SharedFile::Opened SharedFile::open(const std::string& name, bool readOnly)
 {
     close();
     m_path = pathOf(name);
+    m_process = getpid();
     const int access = readOnly ? O_RDONLY : O_RDWR;
     // Not blocking: a pipe under this name must not keep us.
     m_descriptor = shm_open(m_path.c_str(), access | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0);
@@ -66,6 +69,7 @@ SharedFile::Opened SharedFile::create(const std::string& name)
 {
     close();
     m_path = pathOf(name);
+    m_process = getpid();
     m_descriptor =
         shm_open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, ownerOnly);
     if (m_descriptor < 0)
@@ -97,8 +101,15 @@ SharedFile::Opened SharedFile::claim(const std::string& name)
     return Opened::Absent;
 }
 
+bool SharedFile::isForked() const
+{
+    return m_process != getpid();
+}
+
 bool SharedFile::tryLock(LockType type)
 {
+    if (isForked())
+        return false;
     struct flock lock = wholeFile(type == LockType::Shared ? F_RDLCK : F_WRLCK);
     return fcntl(m_descriptor, F_OFD_SETLK, &lock) == 0;
 }
@@ -117,7 +128,8 @@ bool SharedFile::isNamed() const
 
 void SharedFile::unlink()
 {
-    shm_unlink(m_path.c_str());
+    if (!isForked())
+        shm_unlink(m_path.c_str());
 }
 
 long long SharedFile::size() const

@@ -6,7 +6,8 @@ namespace vlbase::platform {
 
 /// An open shared-memory object of this user. Its lock belongs to the open file, so the system
 /// drops it when the process ends in whatever way, and two objects of one process conflict as
-/// two processes do.
+/// two processes do. A child process that was only forked shares the open file: there the object
+/// takes no locks and removes no names.
 class SharedFile
 {
 public:
@@ -48,8 +49,10 @@ public:
 private:
     void close();
     bool isOurs() const;
+    bool isForked() const;
 
     int m_descriptor = -1;
+    int m_process = 0; // that opened it
     std::string m_path;
 };
 
