@@ -36,7 +36,7 @@ void AsyncGetExistingDirectory::asyncGetExistingDirectory(
             SLOT(onSignal(QString)));
     connect(chooser, SIGNAL(fileSelected(QString)), chooser, SLOT(deleteLater()));
     QTimer::singleShot(0, chooser, SLOT(onStart()));
-}
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the chooser deletes itself
 
 void AsyncGetExistingDirectory::onStart()
 {

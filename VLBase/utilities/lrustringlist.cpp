@@ -10,7 +10,7 @@ LruStringList::LruStringList(int limit)
 QString LruStringList::Select(const QString& text)
 {
     // A copy, because the text may be the very entry that moves.
-    const QString selected = text;
+    QString selected = text; // NOLINT(performance-unnecessary-copy-initialization)
     if (!m_Entries.removeOne(selected) && GetCount() >= m_nLimit)
         m_Entries.removeLast();
     m_Entries.prepend(selected);
