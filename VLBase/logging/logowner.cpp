@@ -12,8 +12,8 @@ namespace {
 
 constexpr int ownerRole = 0;
 
-// How long the viewers' half may stay nearly full before its viewer counts as gone.
-constexpr std::chrono::milliseconds viewerPatience(20);
+// How long a viewer may leave its half alone before it counts as gone.
+constexpr std::chrono::milliseconds viewerPatience(50);
 
 // A drain is never split, and an empty ring of this size always has room for one.
 int stagingSize(int bufferSize, int reserveBytes)
@@ -99,32 +99,38 @@ int LogOwner::bufferSize() const
 }
 
 // A writer that finds a half full moves all of it for its line, so the viewers' half keeps room
-// for what may come until the next drain: twice the most that came lately. A viewer that
-// reads in time is not robbed for less than that; one that is gone or stopped gets no such care.
+// for what may come until the next drain: twice the most that came lately. A viewer that reads
+// loses lines only when they would otherwise run over at the next drain.
 bool LogOwner::trimViewersHalf(int inflow)
 {
     LogImage& image = registration()->attachment().image();
     const int fill = image.fill(0);
     const int size = image.bufferSize();
+    const bool isRead = isViewersHalfRead(inflow);
     m_inflow = std::max(inflow, m_inflow - m_inflow / 16);
-    const int room = m_inflow < size / 8 * 3 ? 2 * m_inflow : size / 4 * 3;
-    if (fill <= size - room && !isViewersHalfNeglected(fill))
-        return false;
-    image.keepNewest(0, std::min(size / 2, (size - room) / 2));
-    return true;
+    const int room = isRead                    ? std::min(m_inflow, size / 4)
+                     : m_inflow < size / 8 * 3 ? 2 * m_inflow
+                                               : size / 4 * 3;
+    const bool trim = fill > size - room || (!isRead && fill > size / 4 * 3);
+    if (trim)
+        image.keepNewest(0, std::min(size / 2, (size - room) / 2));
+    m_viewersFill = image.fill(0);
+    return trim;
 }
 
-bool LogOwner::isViewersHalfNeglected(int fill)
+// Each line goes into both halves, so what came since the last drain tells how full the viewers'
+// half is unless somebody has read it.
+bool LogOwner::isViewersHalfRead(int inflow)
 {
     const LogImage& image = registration()->attachment().image();
-    if (fill <= image.bufferSize() / 4 * 3) {
-        m_viewersHalfFullSince.reset();
-        return false;
-    }
+    const int fill = image.fill(0);
+    const int unread = inflow < image.bufferSize() - m_viewersFill ? m_viewersFill + inflow
+                                                                   : image.bufferSize() / 2;
     const auto now = std::chrono::steady_clock::now();
-    if (!m_viewersHalfFullSince)
-        m_viewersHalfFullSince = now;
-    return image.users(Role::Reader) <= 0 || now - *m_viewersHalfFullSince >= viewerPatience;
+    if (fill < unread)
+        m_viewersReadAt = now;
+    return image.users(Role::Reader) > 0 && m_viewersReadAt &&
+           now - *m_viewersReadAt < viewerPatience;
 }
 
 LogOwner::Drained LogOwner::drain()

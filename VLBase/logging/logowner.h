@@ -93,12 +93,13 @@ private:
 
     void useStaging();
     bool trimViewersHalf(int inflow);
-    bool isViewersHalfNeglected(int fill);
+    bool isViewersHalfRead(int inflow);
 
     std::unique_ptr<PrivateStaging> m_privateStaging;
     LogStaging* m_staging = nullptr;
-    int m_inflow = 0; // most bytes of a drain lately
-    std::optional<std::chrono::steady_clock::time_point> m_viewersHalfFullSince;
+    int m_inflow = 0;      // most bytes of a drain lately
+    int m_viewersFill = 0; // of their half, when we last looked
+    std::optional<std::chrono::steady_clock::time_point> m_viewersReadAt;
 };
 
 } // namespace vlbase::logging

@@ -249,7 +249,7 @@ void tst_LogOwner::viewersHalf()
     while (fillOf(0) <= size / 4 * 3)
         QVERIFY(!sendAndDrain(1));
     sendAndDrain(1);
-    QTest::qSleep(25);
+    QTest::qSleep(60);
     QVERIFY(sendAndDrain(1));
     QVERIFY(fillOf(0) <= size / 2);
 }
