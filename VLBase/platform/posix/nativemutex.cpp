@@ -1,6 +1,7 @@
 #include <VLBase/platform/namedmapping.h>
 #include <VLBase/platform/nativemutex.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
@@ -50,21 +51,29 @@ const SharedMutex* checked(const NamedMapping& memory)
     return good ? shared : nullptr;
 }
 
-timespec monotonicIn(std::chrono::milliseconds timeout)
+// No single sleep is longer: a waiter that is killed after it was woken, but before it took the
+// mutex, takes the wake-up of the others with it, and they would sleep beside a free mutex.
+constexpr std::chrono::milliseconds longestSleep(10);
+
+timespec monotonicTime(std::chrono::steady_clock::time_point time)
 {
-    timespec time = {};
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    const auto nanoseconds = std::chrono::nanoseconds(timeout).count() + time.tv_nsec;
-    time.tv_sec += static_cast<time_t>(nanoseconds / 1000000000);
-    time.tv_nsec = static_cast<long>(nanoseconds % 1000000000);
-    return time;
+    const std::chrono::nanoseconds sinceStart = time.time_since_epoch();
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceStart);
+    return {static_cast<time_t>(seconds.count()),
+            static_cast<long>((sinceStart - seconds).count())};
 }
 
-// The thread sanitizer of GCC 12 does not see a lock that was waited for in this way.
-int lockUntil(pthread_mutex_t* mutex, const timespec& end)
+int lockUntil(pthread_mutex_t* mutex, std::chrono::steady_clock::time_point end)
 {
-    const int status = pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &end);
+    int status = ETIMEDOUT;
+    for (bool isLast = false; status == ETIMEDOUT && !isLast;) {
+        const auto wake = std::chrono::steady_clock::now() + longestSleep;
+        isLast = wake >= end;
+        const timespec time = monotonicTime(std::min(wake, end));
+        status = pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &time);
+    }
 #ifdef __SANITIZE_THREAD__
+    // The thread sanitizer of GCC 12 does not see a lock that was waited for in this way.
     if (status == 0 || status == EOWNERDEAD) {
         __tsan_mutex_pre_lock(mutex, 0);
         __tsan_mutex_post_lock(mutex, 0, 0);
@@ -153,7 +162,7 @@ LockResult NativeMutex::lock(std::chrono::milliseconds timeout)
     SharedMutex* const shared = m_handle->shared();
     int status = lockSoon(shared);
     if (status == EBUSY)
-        status = lockUntil(&shared->mutex, monotonicIn(timeout));
+        status = lockUntil(&shared->mutex, std::chrono::steady_clock::now() + timeout);
     switch (status) {
     case 0:
         shared->held.store(1, std::memory_order_relaxed);
