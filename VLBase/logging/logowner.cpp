@@ -12,9 +12,6 @@ namespace {
 
 constexpr int ownerRole = 0;
 
-// How long a viewer may leave its half alone before it counts as gone.
-constexpr std::chrono::milliseconds viewerPatience(50);
-
 // A drain is never split, and an empty ring of this size always has room for one.
 int stagingSize(int bufferSize, int reserveBytes)
 {
@@ -99,38 +96,19 @@ int LogOwner::bufferSize() const
 }
 
 // A writer that finds a half full moves all of it for its line, so the viewers' half keeps room
-// for what may come until the next drain: twice the most that came lately. A viewer that reads
-// loses lines only when they would otherwise run over at the next drain.
+// for what may come until the next drain: twice the most that came lately.
 bool LogOwner::trimViewersHalf(int inflow)
 {
     LogImage& image = registration()->attachment().image();
-    const int fill = image.fill(0);
     const int size = image.bufferSize();
-    const bool isRead = isViewersHalfRead(inflow);
+    const int most = size / 4 * 3;
     m_inflow = std::max(inflow, m_inflow - m_inflow / 16);
-    const int room = isRead                    ? std::min(m_inflow, size / 4)
-                     : m_inflow < size / 8 * 3 ? 2 * m_inflow
-                                               : size / 4 * 3;
-    const bool trim = fill > size - room || (!isRead && fill > size / 4 * 3);
-    if (trim)
-        image.keepNewest(0, std::min(size / 2, (size - room) / 2));
-    m_viewersFill = image.fill(0);
-    return trim;
-}
-
-// Each line goes into both halves, so what came since the last drain tells how full the viewers'
-// half is unless somebody has read it.
-bool LogOwner::isViewersHalfRead(int inflow)
-{
-    const LogImage& image = registration()->attachment().image();
-    const int fill = image.fill(0);
-    const int unread = inflow < image.bufferSize() - m_viewersFill ? m_viewersFill + inflow
-                                                                   : image.bufferSize() / 2;
-    const auto now = std::chrono::steady_clock::now();
-    if (fill < unread)
-        m_viewersReadAt = now;
-    return image.users(Role::Reader) > 0 && m_viewersReadAt &&
-           now - *m_viewersReadAt < viewerPatience;
+    const bool isRead = image.users(Role::Reader) > 0;
+    const int room = isRead ? std::clamp(2 * std::min(m_inflow, most), size / 4, most) : most;
+    if (image.fill(0) <= size - room)
+        return false;
+    image.keepNewest(0, (size - room) / 2);
+    return true;
 }
 
 LogOwner::Drained LogOwner::drain()

@@ -4,7 +4,6 @@
 #include <VLBase/logging/mmshared.h>
 #include <VLBase/vlbase_export.h>
 
-#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -93,13 +92,10 @@ private:
 
     void useStaging();
     bool trimViewersHalf(int inflow);
-    bool isViewersHalfRead(int inflow);
 
     std::unique_ptr<PrivateStaging> m_privateStaging;
     LogStaging* m_staging = nullptr;
-    int m_inflow = 0;      // most bytes of a drain lately
-    int m_viewersFill = 0; // of their half, when we last looked
-    std::optional<std::chrono::steady_clock::time_point> m_viewersReadAt;
+    int m_inflow = 0; // most bytes of a drain lately
 };
 
 } // namespace vlbase::logging
