@@ -250,6 +250,12 @@ void LogTextTest::gapsAreSeenOnce()
     begins.first = 100000;
     QCOMPARE(lostBefore(noticeLine(begins, "s")), QString());
     QCOMPARE(lostBefore(numbered(100003)), QString());
+    // One that was put in as it is says nothing; two in a row are a log that has begun anew.
+    QCOMPARE(lostBefore(numbered(100001)), QString());
+    QCOMPARE(lostBefore(numbered(100004)), QString());
+    QCOMPARE(lostBefore(numbered(700000)), QString());
+    QCOMPARE(lostBefore(numbered(700001)), QString());
+    QCOMPARE(lostBefore(numbered(700003)), QStringLiteral("700002-700002"));
 }
 
 void LogTextTest::filtering_data()

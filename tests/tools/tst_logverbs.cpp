@@ -1,5 +1,9 @@
 // The verbs of the log as programs: owners, senders and viewers in processes of their own.
 
+#include <VLBase/logging/loginstance.h>
+#include <VLBase/logging/logowner.h>
+#include <VLBase/logging/logviewerclaim.h>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -120,9 +124,11 @@ class LogVerbsTest : public QObject
 
 private slots:
     void init();
+    void cleanup();
     void everyLineArrivesEverywhere();
     void everyLineOnceThroughKilledOwners();
     void rotatesUnderLoad();
+    void viewerGoesOnFromTheFile();
     void fullDiskLosesNothing();
     void viewerOutlivesOwners();
     void waitsForAnOwner();
@@ -153,6 +159,15 @@ void LogVerbsTest::init()
     m_instance = QStringLiteral("verbs-%1-%2").arg(QCoreApplication::applicationPid()).arg(++count);
     m_verbs.clear();
     m_directory = std::make_unique<QTemporaryDir>();
+}
+
+/// What killed programs left in memory goes with the last one that opens it.
+void LogVerbsTest::cleanup()
+{
+    m_verbs.clear();
+    QVERIFY(setLogInstance(m_instance));
+    const vlbase::logging::LogOwner sweeper(4096);
+    vlbase::logging::LogViewerClaim().take();
 }
 
 Verb& LogVerbsTest::start(QStringList arguments)
@@ -295,6 +310,31 @@ void LogVerbsTest::rotatesUnderLoad()
     }
     QVERIFY(texts(all) == QByteArrayList{"mark"} + numbers("n", count));
     QCOMPARE(follower.output().count('\n'), count + 1);
+}
+
+/// The live buffer holds less than comes between two looks of its viewer.
+void LogVerbsTest::viewerGoesOnFromTheFile()
+{
+    constexpr int count = 50'000;
+    Verb& owner = startOwner({QStringLiteral("--buffer-size"), QStringLiteral("8K"),
+                              QStringLiteral("--rotate"), QStringLiteral("1M"),
+                              QStringLiteral("--keep"), QStringLiteral("500")});
+    Verb& viewer =
+        start({QStringLiteral("tail"), QStringLiteral("--json"), QStringLiteral("--summary"),
+               QStringLiteral("--count"), QString::number(count)});
+    QVERIFY(viewer.says("showing the log live"));
+    Verb& pipe = start({QStringLiteral("send"), QStringLiteral("event"), QStringLiteral("-")});
+    pipe.write(numbers("n", count).join('\n'));
+    QCOMPARE(pipe.finish(), 0);
+    QCOMPARE(viewer.finish(), 0);
+    QVERIFY2(viewer.errors().contains("the live buffer ran over; going on from "),
+             viewer.errors().constData());
+    QVERIFY2(viewer.errors().contains("50000 lines shown, 0 lost"), viewer.errors().constData());
+    const QByteArrayList shown = viewer.output().split('\n');
+    QCOMPARE(shown.size(), count + 1);
+    for (int i = 0; i < count; ++i)
+        QVERIFY2(shown[i].contains("\"n" + QByteArray::number(i) + '"'), shown[i].constData());
+    QCOMPARE(owner.finish(), 0);
 }
 
 void LogVerbsTest::fullDiskLosesNothing()

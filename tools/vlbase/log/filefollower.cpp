@@ -1,6 +1,7 @@
 #include "filefollower.h"
 
 #include "filetail.h"
+#include "logline.h"
 
 #include <QDir>
 
@@ -24,6 +25,14 @@ FileFollower::FileFollower(std::string file)
     : m_name(std::move(file))
 {
     open(m_name, m_startsAtEnd);
+}
+
+FileFollower::FileFollower(std::string file, int lastIndex)
+    : m_name(std::move(file))
+    , m_startsAtEnd(false)
+    , m_lastKnown(lastIndex)
+{
+    openBehind(lastIndex);
 }
 
 QString FileFollower::description() const
@@ -78,8 +87,41 @@ bool FileFollower::readOn(std::string& lines)
     block.resize(end + 1);
     m_position += static_cast<std::int64_t>(block.size());
     std::replace(block.begin(), block.end(), '\n', '\0');
+    const std::size_t before = lines.size();
     lines += block;
+    if (m_lastKnown != 0)
+        dropKnown(lines, before);
     return true;
+}
+
+/// The file may be behind the live buffer, so what was shown from there may still come.
+void FileFollower::dropKnown(std::string& lines, std::size_t from)
+{
+    std::size_t end = from;
+    while (end < lines.size() && m_lastKnown != 0) {
+        const int index = lineIndex(std::string_view(lines).substr(end));
+        if (index != 0 && isLater(index, m_lastKnown))
+            m_lastKnown = 0;
+        else
+            end = lines.find('\0', end) + 1;
+    }
+    lines.erase(from, end - from);
+}
+
+void FileFollower::openBehind(int index)
+{
+    platform::NativeFile older;
+    for (int number = 0; older.open(nameOf(number), platform::NativeFile::Mode::Read); ++number) {
+        // Rotated while this was looking, it is here once more.
+        if (older.identity() == m_file.identity())
+            continue;
+        m_file = std::move(older);
+        const auto end = endOfLinesUpTo(index, m_file);
+        m_position = end.value_or(0);
+        if (end)
+            return;
+        older = platform::NativeFile();
+    }
 }
 
 bool FileFollower::openNext()

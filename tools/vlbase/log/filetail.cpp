@@ -5,7 +5,6 @@
 #include "ownnotice.h"
 
 #include <algorithm>
-#include <functional>
 #include <string_view>
 
 namespace vlbase::tool::log {
@@ -36,11 +35,12 @@ template <typename File> std::int64_t findLastLineEnd(const File& file)
     return 0;
 }
 
-/// Gives the file's whole lines from the last to the first, until `wantsMore` says no.
-void readLinesBackwards(const GrowingFile& file,
-                        const std::function<bool(std::string_view)>& wantsMore)
+/// Gives the file's whole lines and where they begin, from the last to the first, until
+/// `wantsMore` says no.
+template <typename File, typename WantsMore>
+void readLinesBackwards(const File& file, WantsMore wantsMore)
 {
-    std::int64_t start = endOfLastWholeLine(file);
+    std::int64_t start = findLastLineEnd(file);
     const std::int64_t limit = start - std::min(start, searchBytes);
     std::string text; // from `start` on, lines not given yet
     while (start > limit) {
@@ -57,7 +57,7 @@ void readLinesBackwards(const GrowingFile& file,
             const std::size_t begin = before == std::string::npos ? 0 : before + 1;
             const std::string_view line =
                 std::string_view(text).substr(begin, text.size() - 1 - begin);
-            if (!wantsMore(line))
+            if (!wantsMore(line, start + static_cast<std::int64_t>(begin)))
                 return;
             text.resize(begin);
         }
@@ -76,11 +76,23 @@ std::int64_t endOfLastWholeLine(const platform::NativeFile& file)
     return findLastLineEnd(file);
 }
 
+std::optional<std::int64_t> endOfLinesUpTo(int index, const platform::NativeFile& file)
+{
+    std::optional<std::int64_t> end;
+    readLinesBackwards(file, [&](std::string_view line, std::int64_t start) {
+        const int number = lineIndex(line);
+        if (number != 0 && !isLater(number, index))
+            end = start + static_cast<std::int64_t>(line.size()) + 1;
+        return !end;
+    });
+    return end;
+}
+
 FileTail readFileTail(const GrowingFile& file)
 {
     FileTail tail;
     LogLine parsed;
-    readLinesBackwards(file, [&](std::string_view line) {
+    readLinesBackwards(file, [&](std::string_view line, std::int64_t) {
         const auto isOther = [&] {
             if (tail.after.size() < mostLinesAfter)
                 tail.after.emplace_back(line);

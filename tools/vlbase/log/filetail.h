@@ -4,6 +4,7 @@
 #include "tools/vlbase/platform/nativefile.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,10 @@ namespace vlbase::tool::log {
 /// Where the last line that has a line end ends; 0 in a file without one.
 std::int64_t endOfLastWholeLine(const GrowingFile& file);
 std::int64_t endOfLastWholeLine(const platform::NativeFile& file);
+
+/// Where the lines begin that follow the one of this number; that line itself may be missing.
+/// Nothing when all lines of the file follow it, as far as it is searched.
+std::optional<std::int64_t> endOfLinesUpTo(int index, const platform::NativeFile& file);
 
 /// How far an earlier owner had come when it wrote its file.
 struct FileTail

@@ -1,14 +1,6 @@
 #include "gapwatch.h"
 
-#include <utility>
-
 namespace vlbase::tool::log {
-namespace {
-
-// A larger step is none forward: the line was injected, or the log has begun anew.
-constexpr std::int64_t largestGap = 450000;
-
-} // namespace
 
 std::optional<OwnNotice> GapWatch::lookAt(const LogLine& line)
 {
@@ -18,13 +10,22 @@ std::optional<OwnNotice> GapWatch::lookAt(const LogLine& line)
             m_last = notice->kind == OwnNotice::Kind::LogBegins ? 0 : notice->last;
         return std::nullopt;
     }
-    const int before = std::exchange(m_last, line.index);
-    if (before == 0)
-        return std::nullopt;
-    const std::int64_t missing = linesBetween(before, line.index);
-    if (missing == 0 || missing > largestGap)
+    const std::int64_t missing = missingBefore(line.index);
+    if (missing == 0)
         return std::nullopt;
     return noticeOfLost(static_cast<std::uint64_t>(missing), previousIndex(line.index));
+}
+
+std::int64_t GapWatch::missingBefore(int index)
+{
+    const bool follows = m_last == 0 || isLater(index, m_last);
+    const std::int64_t missing = m_last == 0 || !follows ? 0 : linesBetween(m_last, index);
+    // One that does not was put in as it is; two such in a row are of a log that began anew.
+    const bool beginsAnew = !follows && m_aside != 0 && linesBetween(m_aside, index) == 0;
+    m_aside = follows || beginsAnew ? 0 : index;
+    if (follows || beginsAnew)
+        m_last = index;
+    return missing;
 }
 
 } // namespace vlbase::tool::log

@@ -129,6 +129,11 @@ std::int64_t linesBetween(int earlier, int later)
     return static_cast<std::int64_t>(nearest - next);
 }
 
+bool isLater(int index, int than)
+{
+    return linesBetween(than, index) <= static_cast<std::int64_t>(logging::numberPeriod / 2);
+}
+
 int previousIndex(int index)
 {
     return index <= logging::firstNumber ? logging::turningNumber - 1 : index - 1;

@@ -44,6 +44,9 @@ bool parseLogLine(std::string_view text, LogLine& line);
 /// Numbers repeat after 900,000 lines: 999998 is followed by 100000, once more 100000, 100001.
 std::int64_t linesBetween(int earlier, int later);
 
+/// Whether a line of this number comes after one of the other: at most half a period later.
+bool isLater(int index, int than);
+
 /// The number before this one.
 int previousIndex(int index);
 

@@ -200,7 +200,8 @@ Command tailCommand()
         "Shows the lines of the shared log as they come, until Ctrl-C: time, level, station, "
         "module and the event's fields. Without an owner it waits for one. The first viewer also "
         "shows the lines that are in the live buffer when it starts; each further one follows the "
-        "owner's file, through its rotations, so every viewer sees every line.\n"
+        "owner's file, through its rotations, and so does the first one once the live buffer ran "
+        "over, so every viewer sees every line.\n"
         "\n"
         "Where numbers are missing, it says how many lines were lost. Control characters are "
         "shown as their pictures, so no line can command the terminal.");

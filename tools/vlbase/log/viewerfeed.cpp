@@ -15,7 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The owner gives a viewer 20 ms before it throws the oldest lines away.
 constexpr auto pollTime = 5ms;
 constexpr auto ownerCheckTime = 100ms;
 constexpr auto takeTime = 100ms;
@@ -125,6 +124,7 @@ bool ViewerFeed::makeSource(const std::string& file)
     auto live = std::make_unique<LiveSource>(std::move(claim));
     if (!live->isOpen())
         return false;
+    m_live = live.get();
     m_source = std::move(live);
     return true;
 }
@@ -134,11 +134,33 @@ bool ViewerFeed::pollOnce()
 {
     if (!m_source)
         return false;
-    const bool hasMore = m_source->poll(m_polled);
+    bool hasMore = m_source->poll(m_polled);
+    if (m_live && m_live->gap()) {
+        const LiveSource::Gap gap = *m_live->gap();
+        if (goOnFromFile(gap.lastIndex)) {
+            m_polled.resize(gap.position);
+            hasMore = true;
+        }
+    }
     if (!m_polled.empty())
         hand(m_polled);
     const std::lock_guard lock(m_mutex);
     return hasMore && !m_isAbandoned;
+}
+
+/// The lines that the live buffer has lost, and all that follow, are in the owner's file.
+bool ViewerFeed::goOnFromFile(int lastIndex)
+{
+    const logging::LogStatus status = logging::peekLog();
+    if (!hasOwner(status) || status.fileName.empty())
+        return false;
+    auto follower = std::make_unique<FileFollower>(status.fileName, lastIndex);
+    if (!follower->isOpen())
+        return false;
+    m_live = nullptr;
+    m_source = std::move(follower);
+    m_tell(QStringLiteral("the live buffer ran over; going on %1").arg(m_source->description()));
+    return true;
 }
 
 /// Gives lines to the viewer; waits while it has too many of them already.

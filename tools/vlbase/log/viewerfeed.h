@@ -12,11 +12,14 @@
 
 namespace vlbase::tool::log {
 
+class LiveSource;
+
 /// Brings the lines of the log to a viewer, from a thread of its own: a terminal that is slow or
 /// stopped must not keep the live buffer from being emptied.
 ///
 /// Finds the log's owner, says so when there is none or it goes, and goes on when it comes. The
-/// first viewer of a user empties the live buffer, the others follow the owner's file.
+/// first viewer of a user empties the live buffer, the others follow the owner's file. The first
+/// one goes over to the file when the live buffer ran over before it was emptied.
 class ViewerFeed
 {
 public:
@@ -41,6 +44,7 @@ private:
     void findOwner();
     bool makeSource(const std::string& file);
     bool pollOnce();
+    bool goOnFromFile(int lastIndex);
     void hand(std::string& lines);
     bool isFinishing();
 
@@ -54,6 +58,7 @@ private:
 
     // Of the feed's thread alone.
     std::unique_ptr<LineSource> m_source;
+    LiveSource* m_live = nullptr; // the source, when it is that
     bool m_hasOwner = false;
     bool m_hasToldAbsence = false;
     std::string m_polled;
