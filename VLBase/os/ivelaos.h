@@ -114,7 +114,10 @@ public:
     virtual int Exec(const char* first, ...) = 0;
 
     /// Has the time service of this machine set the system clock to the given local time, or to
-    /// UTC with \a utc. False when it refuses or does not answer, after about 200 ms at most.
+    /// UTC with \a utc. Local time is taken with the offset that is in force now. Afterwards
+    /// GetTimestamp() follows the new clock, also backwards.
+    /// \return false when there is no such time, and when the service refuses or does not answer,
+    ///         after about 200 ms at most.
     virtual bool SetSystemTime(int year, int month, int day, int hour, int minute, int second,
                                int millisecond, bool utc) = 0;
 
@@ -157,7 +160,14 @@ public:
     virtual void SetWindowPositions(int left, int top, int right, int bottom, int showCmd,
                                     int processId) = 0;
 
-    /// Starts a console program without a visible window. \a processId is set on success.
+    /// Starts a console program without a visible window, in this process's directory and
+    /// environment. \a processId is set on success. Both texts and a blank between them may have
+    /// 4095 characters together.
+    ///
+    /// Linux looks for a \a program without a slash in PATH; it may stand in double quotes, as it
+    /// must on Windows when its path has blanks. \a arguments are taken apart at blanks, double
+    /// quotes keep words together, and there is no shell. The program has no terminal, nothing
+    /// behind its standard streams, and is no child of this process.
     virtual bool StartHiddenLegacyProgram(const wchar_t* program, const wchar_t* arguments,
                                           int& processId) = 0;
 
@@ -165,14 +175,17 @@ public:
     /// by this user, or \a processId is not positive.
     virtual bool TerminateHiddenLegacyProgram(int processId) = 0;
 
-    /// Whether a process waits for input; true also when it cannot be looked at.
+    /// Whether a process waits for input, or begins to within 50 ms; true also when it cannot be
+    /// looked at. On Linux: whether it sleeps for 50 ms and uses no processor time meanwhile.
     virtual bool IsProcessIdle(int processId) = 0;
 
-    /// The identifier of the first running process whose program name contains \a name (case
-    /// matters), -1 when there is none.
+    /// The identifier of the first running process whose program's file name contains \a name
+    /// (case matters), -1 when there is none. The program of a script is its interpreter.
     virtual int FindProcess(const wchar_t* name) = 0;
 
-    /// Raises the scheduling priority of this process.
+    /// Raises the scheduling priority of this process: to the high class on Windows, to a nice
+    /// value of -10 in all threads on Linux, which threads and programs started later inherit.
+    /// Without the right to do so it changes nothing and leaves the system's code.
     virtual void SetPriorityHigh() = 0;
 
     /// Sleeps, and lets what is queued for the thread interrupt the sleep: asynchronous procedure
@@ -196,8 +209,13 @@ public:
     /// The user's own directory, as the environment names it.
     virtual std::wstring GetUserDir() = 0;
 
-    /// Powers the machine off. False when this process may not.
+    // These let two seconds pass first, in which other threads can finish, but answer at once
+    // when this process may not do it. Programs that object are not heard. On Linux logind does
+    // it, asked over the system bus.
+
+    /// Powers the machine off. False when this process may not, or when it failed.
     virtual bool ShutdownOS() = 0;
+    /// The same with a restart.
     virtual bool RebootOS() = 0;
 
     /// Icon number \a id of the icon library; empty when there is none.

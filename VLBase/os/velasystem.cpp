@@ -2,11 +2,7 @@
 
 #include <VLBase/platform/dynamiclibrary.h>
 #include <VLBase/platform/lasterror.h>
-#include <VLBase/platform/process.h>
 #include <VLBase/platform/thread.h>
-
-#include <cstdarg>
-#include <cstdlib>
 
 namespace platform = vlbase::platform;
 
@@ -48,29 +44,4 @@ int VelaSystem::GetCurrentThreadId()
 void VelaSystem::SetAppThreadId()
 {
     setAppThread(platform::currentThreadId());
-}
-
-void VelaSystem::AlertableSleep(int milliseconds)
-{
-    if (milliseconds >= -1)
-        platform::alertableSleep(milliseconds);
-}
-
-int VelaSystem::Exec(const char* first, ...)
-{
-    if (first == nullptr)
-        return -1;
-    std::string command(first);
-    va_list arguments;
-    va_start(arguments, first);
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): does not see va_start() in C++.
-    while (const char* argument = va_arg(arguments, const char*))
-        command.append(1, ' ').append(argument);
-    va_end(arguments);
-    return std::system(command.c_str());
-}
-
-bool VelaSystem::TerminateHiddenLegacyProgram(int processId)
-{
-    return platform::terminateProcess(processId);
 }

@@ -1,16 +1,33 @@
+#include "timeservice.h"
 #include "velasystem.h"
 
+#include <VLBase/platform/lasterror.h>
+#include <VLBase/platform/systemtime.h>
 #include <VLBase/platform/timezone.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 
 using namespace std::chrono;
+namespace platform = vlbase::platform;
 
 namespace {
 
 std::atomic<quint64> s_LastTimestamp{0};
+
+/// None for a number that its field has no room for, so that it does not become another one.
+std::optional<platform::SystemTime> toSystemTime(const std::array<int, 8>& numbers)
+{
+    platform::SystemTime time{};
+    for (std::size_t i = 0; i < time.size(); ++i) {
+        time[i] = static_cast<std::uint16_t>(numbers[i]);
+        if (time[i] != numbers[i])
+            return std::nullopt;
+    }
+    return time;
+}
 
 } // namespace
 
@@ -38,7 +55,26 @@ quint64 VelaSystem::GetTimestamp()
     return stamp;
 }
 
+bool VelaSystem::SetSystemTime(int year, int month, int day, int hour, int minute, int second,
+                               int millisecond, bool utc)
+{
+    const auto given = toSystemTime({year, month, 0, day, hour, minute, second, millisecond});
+    const auto wanted = given ? platform::systemTimeInUtc(*given, utc) : std::nullopt;
+    if (!wanted) {
+        platform::setLastError(platform::Fault::InvalidArgument);
+        return false;
+    }
+    const qint32 answer = vlbase::requestSystemTime(*wanted);
+    if (answer != 0) {
+        platform::setLastError(answer == -1 ? platform::Fault::NoAnswer
+                                            : platform::Fault::NotPermitted);
+        return false;
+    }
+    s_LastTimestamp = GetMSecTimestamp() * 1000; // stamps follow the new clock, also backwards
+    return true;
+}
+
 qint64 VelaSystem::GetTimezoneOffset(bool withDaylight)
 {
-    return microseconds(vlbase::platform::localUtcOffset(withDaylight)).count();
+    return microseconds(platform::localUtcOffset(withDaylight)).count();
 }

@@ -25,11 +25,6 @@ const char* VelaSystem::GetIpAddress(int)
     return notOffered("");
 }
 
-bool VelaSystem::SetSystemTime(int, int, int, int, int, int, int, bool)
-{
-    return notOffered(false);
-}
-
 qint64 VelaSystem::ShellExec(const QString&)
 {
     return notOffered(qint64{0});
@@ -58,36 +53,6 @@ bool VelaSystem::GetWindowPositions(int&, int&, int&, int&, int&, int)
 void VelaSystem::SetWindowPositions(int, int, int, int, int, int)
 {
     vlbase::platform::setLastErrorNotSupported();
-}
-
-bool VelaSystem::StartHiddenLegacyProgram(const wchar_t*, const wchar_t*, int&)
-{
-    return notOffered(false);
-}
-
-bool VelaSystem::IsProcessIdle(int)
-{
-    return notOffered(false);
-}
-
-int VelaSystem::FindProcess(const wchar_t*)
-{
-    return notOffered(-1);
-}
-
-void VelaSystem::SetPriorityHigh()
-{
-    vlbase::platform::setLastErrorNotSupported();
-}
-
-bool VelaSystem::ShutdownOS()
-{
-    return notOffered(false);
-}
-
-bool VelaSystem::RebootOS()
-{
-    return notOffered(false);
 }
 
 QIcon VelaSystem::GetIconById(int)

@@ -11,6 +11,12 @@ namespace vlbase::platform {
 VLBASE_EXPORT std::uint32_t lastError();
 VLBASE_EXPORT void setLastError(std::uint32_t code);
 
+/// What this library finds wrong without a call of the system having said it.
+enum class Fault { InvalidArgument, TextTooLong, NotFound, NotPermitted, NoAnswer };
+
+/// Sets the system's code for a fault.
+VLBASE_EXPORT void setLastError(Fault fault);
+
 /// Sets the code with which the system says that it does not have an operation.
 void setLastErrorNotSupported();
 
