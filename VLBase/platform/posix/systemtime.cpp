@@ -21,6 +21,12 @@ std::time_t instantOf(const SystemTime& time)
     return ::timegm(&fields);
 }
 
+/// The years of Windows' calendar.
+bool hasYear(const SystemTime& time)
+{
+    return time[Year] >= 1601 && time[Year] <= 30827;
+}
+
 SystemTime timeAt(std::time_t instant, std::uint16_t millisecond)
 {
     std::tm fields{};
@@ -39,16 +45,13 @@ SystemTime timeAt(std::time_t instant, std::uint16_t millisecond)
 
 std::optional<SystemTime> systemTimeInUtc(const SystemTime& time, bool isUtc)
 {
-    constexpr std::uint16_t firstYear = 1601; // both as on Windows
-    constexpr std::uint16_t lastYear = 30827;
     const std::time_t instant = instantOf(time);
     // What does not exist, such as February 30, has become another time.
     SystemTime normalized = timeAt(instant, time[Millisecond]);
     normalized[DayOfWeek] = time[DayOfWeek];
     const SystemTime utc =
         isUtc ? time : timeAt(instant - localUtcOffset(true).count(), time[Millisecond]);
-    if (normalized != time || time[Millisecond] > 999 || time[Year] < firstYear ||
-        utc[Year] < firstYear || utc[Year] > lastYear)
+    if (normalized != time || time[Millisecond] > 999 || !hasYear(time) || !hasYear(utc))
         return std::nullopt;
     return utc;
 }
