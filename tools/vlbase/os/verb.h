@@ -1,0 +1,10 @@
+#pragma once
+
+#include "tools/vlbase/command.h"
+
+/// What the operating-system service sees.
+namespace vlbase::tool::os {
+
+Command osCommand();
+
+} // namespace vlbase::tool::os
