@@ -28,26 +28,51 @@ std::uint64_t mixed(std::uint64_t state, std::uint64_t word)
     return (rotated(state, 29) ^ word) * multiplier;
 }
 
+// Four independent lanes, because one multiplication need not wait for another then.
+class Lanes
+{
+public:
+    explicit Lanes(std::size_t length)
+        : m_lanes{length, 1, 2, 3}
+    {
+    }
+
+    static constexpr std::size_t blockSize = 32;
+
+    void mixBlock(const char* bytes)
+    {
+        for (std::size_t lane = 0; lane < 4; ++lane)
+            m_lanes[lane] = mixed(m_lanes[lane], wordAt(bytes + 8 * lane));
+    }
+
+    std::uint64_t hash() const
+    {
+        const std::uint64_t all =
+            mixed(mixed(m_lanes[0], m_lanes[1]), mixed(m_lanes[2], m_lanes[3]));
+        return (all ^ all >> 32) * multiplier;
+    }
+
+private:
+    std::uint64_t m_lanes[4];
+};
+
 } // namespace
 
-// Four independent lanes, because one multiplication need not wait for another then.
 std::uint64_t lineHash(std::string_view line)
 {
-    std::uint64_t lanes[4] = {line.size(), 1, 2, 3};
-    const char* bytes = line.data();
-    std::size_t rest = line.size();
-    for (; rest >= 32; rest -= 32, bytes += 32) {
-        for (std::size_t lane = 0; lane < 4; ++lane)
-            lanes[lane] = mixed(lanes[lane], wordAt(bytes + 8 * lane));
+    Lanes lanes(line.size());
+    if (line.size() < Lanes::blockSize) {
+        char padded[Lanes::blockSize] = {};
+        line.copy(padded, line.size());
+        lanes.mixBlock(padded);
+        return lanes.hash();
     }
-    for (std::size_t lane = 0; rest >= 8; ++lane, rest -= 8, bytes += 8)
-        lanes[lane] = mixed(lanes[lane], wordAt(bytes));
-    std::uint64_t last = 0;
-    if (rest > 0)
-        std::memcpy(&last, bytes, rest);
-    lanes[3] = mixed(lanes[3], last);
-    const std::uint64_t hash = mixed(mixed(lanes[0], lanes[1]), mixed(lanes[2], lanes[3]));
-    return (hash ^ hash >> 32) * multiplier;
+    // The last block reaches back into the one before it rather than being a partial one.
+    const char* const last = line.data() + line.size() - Lanes::blockSize;
+    for (const char* bytes = line.data(); bytes < last; bytes += Lanes::blockSize)
+        lanes.mixBlock(bytes);
+    lanes.mixBlock(last);
+    return lanes.hash();
 }
 
 } // namespace vlbase::logging

@@ -1,5 +1,6 @@
 #include "sharedlog.h"
 
+#include <VLBase/logging/drainpace.h>
 #include <VLBase/logging/livelogreader.h>
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
@@ -115,6 +116,7 @@ public:
     explicit OwnerReceiver(int halfBytes)
         : m_owner(halfBytes)
         , m_ledger(m_owner.makeLedger())
+        , m_pace(m_owner.bufferSize())
     {
         if (m_owner.openResult() != LogOwner::OpenResult::Created)
             throw std::runtime_error("the log could not be created");
@@ -127,8 +129,9 @@ public:
         while (tally.received() + m_lost < m_due) {
             const LogOwner::Drained drained = m_owner.drain();
             write(tally);
-            if (drained.fillBefore <= m_owner.bufferSize() / 4)
-                rest(drained.bytes > m_owner.bufferSize() / 16 ? 200us : 1000us);
+            const auto pause = m_pace.restAfter(drained);
+            if (pause > 0us)
+                rest(pause);
         }
     }
 
@@ -160,6 +163,7 @@ private:
 
     LogOwner m_owner;
     LineLedger m_ledger;
+    vlbase::logging::DrainPace m_pace;
     std::uint64_t m_due = 0;
     std::uint64_t m_lost = 0;
 };

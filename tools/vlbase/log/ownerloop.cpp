@@ -2,7 +2,8 @@
 
 #include "tools/vlbase/bytecount.h"
 
-#include <algorithm>
+#include <VLBase/logging/drainpace.h>
+
 #include <thread>
 #include <utility>
 
@@ -11,12 +12,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto busyPause = 1ms;
-// Writers that wait for room fill the half's three quarters within a millisecond, and then stand
-// still for the rest of the pause.
-constexpr auto rushPause = 200us;
-// A burst after silence must not run the log's half over before it is looked at.
-constexpr auto longestPause = 5ms;
 constexpr auto idleTime = 100ms;
 constexpr auto retryTime = 250ms;
 constexpr auto nameCheckTime = 1s;
@@ -44,18 +39,11 @@ OwnerLoop::OwnerLoop(logging::LogOwner& owner, FileSink& sink, LineIntake& intak
 bool OwnerLoop::run(const platform::StopSignal& stop)
 {
     std::thread writer([this] { writeWhileRunning(); });
-    std::chrono::microseconds pause = busyPause;
+    logging::DrainPace pace(m_owner.bufferSize());
     while (!platform::StopSignal::requested()) {
-        const auto drained = drain();
-        if (drained.bytes > m_owner.bufferSize() / 16)
-            pause = rushPause;
-        else if (drained.bytes > 0)
-            pause = busyPause;
-        else
-            pause = std::min<std::chrono::microseconds>(pause * 2, longestPause);
-        const bool isFast = drained.fillBefore > m_owner.bufferSize() / 4;
-        if (!isFast || drained.stagingFull)
-            stop.wait(pause);
+        const auto rest = pace.restAfter(drain());
+        if (rest > 0us)
+            stop.wait(rest);
     }
     drainTheRest();
     {
