@@ -4,6 +4,7 @@
 #include <VLBase/platform/lasterror.h>
 #include <VLBase/platform/systemtime.h>
 #include <VLBase/platform/timezone.h>
+#include <VLBase/platform/wallclock.h>
 
 #include <algorithm>
 #include <array>
@@ -33,14 +34,13 @@ std::optional<platform::SystemTime> toSystemTime(const std::array<int, 8>& numbe
 
 qint32 VelaSystem::GetSecTimestamp()
 {
-    const auto now = floor<seconds>(system_clock::now()).time_since_epoch();
+    const auto now = duration_cast<seconds>(platform::wallClock());
     return static_cast<qint32>(static_cast<quint32>(now.count()));
 }
 
 quint64 VelaSystem::GetMSecTimestamp()
 {
-    const auto now = floor<milliseconds>(system_clock::now()).time_since_epoch();
-    return static_cast<quint64>(now.count());
+    return static_cast<quint64>(platform::wallClock().count());
 }
 
 quint64 VelaSystem::GetTimestamp()

@@ -61,6 +61,9 @@ private slots:
             {"Africa/Windhoek", QDate(2018, 2, 1), 7200, 7200}, // winter time just abolished
             {"right/Europe/Berlin", summer, 7200, 3600},        // with leap seconds
             {"ABC-9:30DEF,M3.5.0,M10.5.0/3", summer, 37800, 34200},
+            // One after the other, they differ in nothing but the season that is not now.
+            {"AAA-1BBB-2,M9.5.0,M3.5.0", summer, 3600, 3600},
+            {"AAA-1BBB0,M9.5.0,M3.5.0", summer, 3600, 0},
             {"", summer, 0, 0},
         };
         const bool knowsLeapSeconds = QFile::exists(QStringLiteral("/usr/share/zoneinfo/right"));

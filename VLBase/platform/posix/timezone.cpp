@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
 #include <optional>
 
 namespace vlbase::platform {
@@ -55,6 +57,47 @@ long standardOffset(std::time_t instant, const LocalTime& here)
     return other ? std::min(here.offset, *other) : here.offset;
 }
 
+/// The last standard offset that the calling thread has looked for, and what it holds for. Zones
+/// whose rules differ, but neither names nor offset, come only from TZ, whose text is compared.
+class RememberedOffset
+{
+public:
+    bool holds(std::time_t instant, const LocalTime& here) const
+    {
+        return m_quarter == instant / quarterHour && m_here.offset == here.offset &&
+               m_here.isDaylight == here.isDaylight && m_names[0] == ::tzname[0] &&
+               m_names[1] == ::tzname[1] && std::strcmp(m_text, zoneText()) == 0;
+    }
+    void remember(std::time_t instant, const LocalTime& here, long offset)
+    {
+        const char* text = zoneText();
+        const bool fits = std::strlen(text) < sizeof m_text;
+        std::strcpy(m_text, fits ? text : "");
+        m_quarter = fits ? instant / quarterHour : never;
+        m_here = here;
+        m_names[0] = ::tzname[0]; // the C library keeps one copy of each name
+        m_names[1] = ::tzname[1];
+        m_offset = offset;
+    }
+    long offset() const { return m_offset; }
+
+private:
+    static constexpr std::time_t quarterHour = 900; // clocks change at the beginning of one
+    static constexpr std::time_t never = -1;
+
+    static const char* zoneText()
+    {
+        const char* text = std::getenv("TZ");
+        return text == nullptr ? "" : text;
+    }
+
+    std::time_t m_quarter = never;
+    LocalTime m_here{};
+    const char* m_names[2]{};
+    char m_text[64]{};
+    long m_offset = 0;
+};
+
 } // namespace
 
 std::chrono::seconds localUtcOffsetAt(std::time_t instant, bool withDaylight)
@@ -63,7 +106,12 @@ std::chrono::seconds localUtcOffsetAt(std::time_t instant, bool withDaylight)
     const auto here = localTimeAt(instant);
     if (!here)
         return std::chrono::seconds(0);
-    return std::chrono::seconds(withDaylight ? here->offset : standardOffset(instant, *here));
+    if (withDaylight)
+        return std::chrono::seconds(here->offset);
+    thread_local RememberedOffset remembered;
+    if (!remembered.holds(instant, *here))
+        remembered.remember(instant, *here, standardOffset(instant, *here));
+    return std::chrono::seconds(remembered.offset());
 }
 
 std::chrono::seconds localUtcOffset(bool withDaylight)
