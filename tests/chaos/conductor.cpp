@@ -46,7 +46,7 @@ QString uniqueInstance()
 Conductor::Conductor(const Scenario& scenario)
     : m_scenario(scenario)
     , m_instance(uniqueInstance())
-    , m_random(static_cast<quint32>(QCoreApplication::applicationPid()))
+    , m_random(static_cast<quint32>(qHash(m_instance)))
 {
 }
 
