@@ -80,11 +80,15 @@ public:
     /// The dotted text of an IPv4 address in network byte order.
     virtual QString GetIpAddressByNativeAddress(quint32 address) = 0;
 
-    /// The hardware address of network adapter \a index, counted from 0, as in
-    /// "00-1A-2B-3C-4D-5E"; empty past the last.
+    // Network adapters are counted from 0, all of them save loopback. The list is made by the first
+    // call and stays as it was; so do the texts.
+
+    /// The hardware address of adapter \a index, as in "00-1A-2B-3C-4D-5E". Empty past the last,
+    /// and for one that has none.
     virtual const char* GetIdMac(int index) = 0;
 
-    /// The IPv4 address of network adapter \a index in dotted form; empty past the last.
+    /// The first IPv4 address of adapter \a index in dotted form, "0.0.0.0" for one that has none.
+    /// Empty past the last.
     virtual const char* GetIpAddress(int index) = 0;
 
     /// Whether the caller runs on the application thread: the one that made the service.
@@ -138,8 +142,19 @@ public:
     /// and waits for its end.
     virtual void Play(void* sound) = 0;
 
-    /// Sends one echo request with \a requestSize bytes to \a host and waits at most
-    /// \a timeoutMs milliseconds for its reply.
+    /// Sends one echo request to the first address of \a host, a name or an address in UTF-8, and
+    /// waits for its reply. Other traffic does not lengthen the wait.
+    /// \param requestSize bytes of data; the lower 16 bits count. On Linux IPv4 carries 65507 and
+    ///        IPv6 65527 ("IP packet too big." above), Windows has no room for the reply to more
+    ///        than about 8 KiB ("IP buffer too small.").
+    /// \param timeoutMs the limit in milliseconds, without the time that finding a name's address
+    ///        takes. With 0 or less only what comes at once counts.
+    /// \return without replies the message tells why: "IP Timeout.", what a router or host sent
+    ///         back ("TTL expired."), "Invalid IP Address" for a host without an address. On
+    ///         Windows a router's answer counts as a reply and has a message all the same.
+    ///
+    /// A user who may not send echo requests gets "IP NO RESOURCES", with EPERM or EACCES as last
+    /// error. Linux lets the groups in net.ipv4.ping_group_range, and whoever has CAP_NET_RAW.
     virtual Icmp_Echo_Result Ping(int requestSize, int timeoutMs, const char* host) = 0;
 
     /// A new globally unique identifier, 36 characters in upper case. Overwritten by the next

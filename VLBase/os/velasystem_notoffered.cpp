@@ -15,16 +15,6 @@ template <typename Answer> Answer notOffered(Answer failure)
 
 } // namespace
 
-const char* VelaSystem::GetIdMac(int)
-{
-    return notOffered("");
-}
-
-const char* VelaSystem::GetIpAddress(int)
-{
-    return notOffered("");
-}
-
 qint64 VelaSystem::ShellExec(const QString&)
 {
     return notOffered(qint64{0});
@@ -38,11 +28,6 @@ int VelaSystem::SystemSound(int)
 void VelaSystem::Play(void*)
 {
     vlbase::platform::setLastErrorNotSupported();
-}
-
-Icmp_Echo_Result VelaSystem::Ping(int, int, const char*)
-{
-    return notOffered(Icmp_Echo_Result{});
 }
 
 bool VelaSystem::GetWindowPositions(int&, int&, int&, int&, int&, int)

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <VLBase/platform/echo.h>
+#include <VLBase/vlbase_export.h>
+
+#include <QHostAddress>
+#include <QString>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <optional>
+
+namespace vlbase {
+
+/// The first address of a host; none for one that has none. Blocks for the name service, except
+/// for an address.
+VLBASE_EXPORT std::optional<QHostAddress> firstAddress(const QString& host);
+
+/// Sends an echo request to an address and waits for its reply.
+VLBASE_EXPORT platform::EchoAnswer ping(const QHostAddress& address, std::uint16_t size,
+                                        std::chrono::milliseconds limit,
+                                        const std::function<bool()>& isAbandoned = {});
+
+/// What a status means; empty for success, and for what has no text.
+VLBASE_EXPORT QString echoStatusText(platform::EchoStatus status);
+
+/// While one lives, IVelaOS::Ping() of its thread no longer waits once the flag is false, where
+/// the system allows that.
+class PingInterest
+{
+public:
+    explicit PingInterest(const std::atomic<bool>& isInterested);
+    ~PingInterest();
+    PingInterest(const PingInterest&) = delete;
+    PingInterest& operator=(const PingInterest&) = delete;
+
+    /// Whether the calling thread's is over; false without one.
+    static bool isOver();
+};
+
+} // namespace vlbase

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vlbase::platform {
+
+struct NetworkAdapter
+{
+    std::string hardwareAddress; ///< "00-1A-2B-3C-4D-5E"; empty for one that has none
+    std::string address;         ///< its first IPv4 address; "0.0.0.0" for one that has none
+};
+
+/// All adapters save loopback, in the system's order. None when the system does not tell.
+std::vector<NetworkAdapter> networkAdapters();
+
+/// Upper-case pairs of digits, joined by "-".
+std::string hardwareAddressText(const unsigned char* bytes, std::size_t size);
+
+} // namespace vlbase::platform

@@ -1,0 +1,54 @@
+#include <VLBase/platform/lasterror.h>
+#include <VLBase/platform/networkadapters.h>
+
+#include <algorithm>
+
+// The other needs these before it.
+// clang-format off
+#include <winsock2.h>
+#include <windows.h>
+#include <iphlpapi.h>
+// clang-format on
+
+namespace vlbase::platform {
+
+namespace {
+
+/// The list is one block, whose entries point at each other.
+using Block = std::vector<IP_ADAPTER_INFO>;
+
+Block adapterTable()
+{
+    ULONG size = sizeof(IP_ADAPTER_INFO);
+    // It may grow between two calls.
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        Block table(size / sizeof(IP_ADAPTER_INFO) + 1);
+        size = static_cast<ULONG>(table.size() * sizeof(IP_ADAPTER_INFO));
+        const ULONG code = ::GetAdaptersInfo(table.data(), &size);
+        if (code == ERROR_SUCCESS)
+            return table;
+        setLastError(code);
+        if (code != ERROR_BUFFER_OVERFLOW)
+            break;
+    }
+    return {};
+}
+
+} // namespace
+
+std::vector<NetworkAdapter> networkAdapters()
+{
+    const Block table = adapterTable();
+    std::vector<NetworkAdapter> adapters;
+    for (const IP_ADAPTER_INFO* entry = table.data(); entry != nullptr; entry = entry->Next) {
+        if (entry->Type == MIB_IF_TYPE_LOOPBACK)
+            continue;
+        const UINT length = std::min<UINT>(entry->AddressLength, MAX_ADAPTER_ADDRESS_LENGTH);
+        const std::string address = &entry->IpAddressList.IpAddress.String[0];
+        adapters.push_back({hardwareAddressText(&entry->Address[0], length),
+                            address.empty() ? "0.0.0.0" : address});
+    }
+    return adapters;
+}
+
+} // namespace vlbase::platform
