@@ -4,9 +4,9 @@
 
 #include <VLBase/platform/directories.h>
 #include <VLBase/platform/identity.h>
+#include <VLBase/platform/uniqueid.h>
 
 #include <QByteArray>
-#include <QUuid>
 
 #include <array>
 #include <cstdio>
@@ -70,14 +70,14 @@ const char* VelaSystem::GetEnvironmentVar(const char* name)
 char* VelaSystem::CreateUniqueIdAsString()
 {
     static std::array<char, 37> text{};
-    const QUuid id = QUuid::createUuid();
-    if (id.isNull()) {
+    const auto id = platform::createUniqueId();
+    if (!id) {
         text[0] = '\0';
         return text.data();
     }
-    const auto* rest = id.data4;
+    const auto& rest = id->data4;
     std::snprintf(text.data(), text.size(), "%08lX-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X",
-                  static_cast<unsigned long>(id.data1), id.data2, id.data3, rest[0], rest[1],
+                  static_cast<unsigned long>(id->data1), id->data2, id->data3, rest[0], rest[1],
                   rest[2], rest[3], rest[4], rest[5], rest[6], rest[7]);
     return text.data();
 }

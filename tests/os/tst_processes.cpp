@@ -165,7 +165,7 @@ private slots:
     void initTestCase()
     {
         const QFileInfo self(QCoreApplication::applicationFilePath());
-        const QString name = QStringLiteral("tst_OfProcesses%1").arg(qApp->applicationPid());
+        const QString name = QStringLiteral("tst_OfProcesses%1").arg(QCoreApplication::applicationPid());
         m_path = self.path() + u'/' + name + u'.' + self.suffix();
         m_name = name.mid(4).toStdWString();
         QVERIFY(QFile::copy(self.filePath(), m_path));

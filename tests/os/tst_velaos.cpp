@@ -247,7 +247,8 @@ private slots:
         }
         QCOMPARE(fresh.GetEnvironmentVar("VLBASE_UNSET"), "");
 
-        const QString form = QStringLiteral("^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$");
+        const QString form =
+            QStringLiteral("^[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}$");
         const QByteArray first = os().CreateUniqueIdAsString();
         const char* second = os().CreateUniqueIdAsString();
         QVERIFY(first != second && QString::fromLatin1(second).contains(QRegularExpression(form)));

@@ -27,12 +27,12 @@ std::string contentUpTo(const std::string& path, char end)
 
 /// What everyone may read of anyone's process. The name that the kernel keeps is cut at 15
 /// characters; the first argument has it whole, but a program may have written there what it
-/// likes, so it counts only as the continuation of the former.
+/// likes, so it counts only as the continuation of the former. A thread of the kernel has none.
 std::string publicName(const std::string& folder)
 {
     const std::string kept = contentUpTo(folder + "comm", '\n');
     const std::string called = baseName(contentUpTo(folder + "cmdline", '\0'));
-    return called.compare(0, kept.size(), kept) == 0 ? called : kept;
+    return called.empty() || called.compare(0, kept.size(), kept) == 0 ? called : kept;
 }
 
 } // namespace
@@ -47,7 +47,7 @@ std::string programName(int processId)
     const std::string folder = "/proc/" + std::to_string(processId) + '/';
     std::array<char, PATH_MAX> target{};
     const ssize_t length = ::readlink((folder + "exe").c_str(), target.data(), target.size());
-    if (length < 0) // Threads of the kernel have no program: nothing is found then.
+    if (length < 0)
         return errno == EACCES ? publicName(folder) : std::string();
 
     std::string name = baseName({target.data(), static_cast<std::size_t>(length)});
