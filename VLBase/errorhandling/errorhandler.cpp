@@ -143,6 +143,11 @@ void ErrorHandler::DeliverQueued()
     ErrorHandler& handler = Instance();
     if (handler.thread() == QThread::currentThread())
         QCoreApplication::sendPostedEvents(&handler, QEvent::MetaCall);
+    // Qt calls such a routine once, but a process may make several applications in turn. Adding it
+    // here already would have it called again for this one.
+    connect(
+        QCoreApplication::instance(), &QObject::destroyed, &handler,
+        [] { qAddPostRoutine(&ErrorHandler::DeliverQueued); }, Qt::DirectConnection);
 }
 
 void ErrorHandler::ProtocolMessage(QString text, QString fileName, QString className,

@@ -6,6 +6,9 @@
 #include <QVariant>
 #include <QWidget>
 
+#include <algorithm>
+#include <iterator>
+
 namespace QActionHelpers {
 
 namespace {
@@ -71,10 +74,11 @@ ActionContainer* ActionContainer::addSeparator()
 
 QList<QAction*> ActionContainer::actions(int role, bool withSeparators) const
 {
+    const QList<QAction*> all = entries();
     if (withSeparators && role == 0)
-        return m_actions;
+        return all;
     QList<QAction*> selected;
-    for (QAction* action : m_actions) {
+    for (QAction* action : all) {
         const bool inside = withSeparators && action->isSeparator() && !selected.isEmpty();
         if (roleOf(action) == role || inside)
             selected.append(action);
@@ -91,7 +95,7 @@ int ActionContainer::count(int role, bool withSeparators) const
 
 int ActionContainer::size() const
 {
-    return static_cast<int>(m_actions.size());
+    return static_cast<int>(entries().size());
 }
 
 bool ActionContainer::removeAction(QAction* action)
@@ -134,25 +138,24 @@ QList<QAction*> ActionContainer::moveActionsTo(std::initializer_list<QAction*> a
     return moveActionsTo(QList<QAction*>(actions), widget);
 }
 
+QList<QAction*> ActionContainer::entries() const
+{
+    QList<QAction*> living;
+    std::copy_if(m_actions.cbegin(), m_actions.cend(), std::back_inserter(living),
+                 [](const QAction* action) { return action != nullptr; });
+    return living;
+}
+
 void ActionContainer::append(QAction* action)
 {
+    m_actions.removeAll(nullptr);
     m_actions.append(action);
-    connect(action, &QObject::destroyed, this, &ActionContainer::forget, Qt::UniqueConnection);
 }
 
 bool ActionContainer::take(QAction* action)
 {
     // Looked up before it is touched: the caller may name an action that is gone.
-    if (m_actions.removeAll(action) == 0)
-        return false;
-    disconnect(action, &QObject::destroyed, this, &ActionContainer::forget);
-    return true;
-}
-
-void ActionContainer::forget(QObject* destroyed)
-{
-    // Nothing but the address is left of the action: it is compared as it came.
-    m_actions.removeIf([destroyed](const QAction* action) { return action == destroyed; });
+    return action && m_actions.removeAll(action) > 0;
 }
 
 } // namespace QActionHelpers

@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPointer>
 
 #include <initializer_list>
 
@@ -17,7 +18,8 @@ namespace QActionHelpers {
 /// role.
 ///
 /// The role is a number of the caller's choice and is kept on the action itself; a separator's
-/// is -1. An action that is deleted elsewhere leaves the container at once.
+/// is -1. An action that is deleted elsewhere leaves the container at once, before its own
+/// `destroyed()` is heard.
 class VLBASE_EXPORT ActionContainer : public QObject
 {
     Q_OBJECT
@@ -69,11 +71,12 @@ public:
     QList<QAction*> moveActionsTo(std::initializer_list<QAction*> actions, QWidget& widget);
 
 private:
+    QList<QAction*> entries() const;
     void append(QAction* action);
     bool take(QAction* action);
-    void forget(QObject* destroyed);
 
-    QList<QAction*> m_actions;
+    // Those of ended actions are null, until the next one is appended.
+    QList<QPointer<QAction>> m_actions;
 };
 
 } // namespace QActionHelpers

@@ -11,15 +11,14 @@ namespace QActionHelpers {
 EnsureAtLeastOneActionIsCheckedHandler::EnsureAtLeastOneActionIsCheckedHandler(
     QList<QAction*> actions, QObject* parent)
     : QObject(parent)
-    , m_actions(std::move(actions))
 {
-    m_actions.removeAll(nullptr);
-    for (QAction* action : std::as_const(m_actions)) {
+    actions.removeAll(nullptr);
+    for (QAction* action : std::as_const(actions)) {
+        m_actions.append(action);
         connect(action, SIGNAL(toggled(bool)), this, SLOT(onToggled(bool)), Qt::UniqueConnection);
-        connect(action, &QObject::destroyed, this, &EnsureAtLeastOneActionIsCheckedHandler::forget);
     }
-    if (!m_actions.isEmpty() && !isAnyChecked())
-        m_actions.first()->setChecked(true);
+    if (!actions.isEmpty() && !isAnyChecked())
+        actions.first()->setChecked(true);
 }
 
 void EnsureAtLeastOneActionIsCheckedHandler::onToggled(bool checked)
@@ -39,15 +38,10 @@ void EnsureAtLeastOneActionIsCheckedHandler::onToggled(bool checked)
         m_restoring = false;
 }
 
-void EnsureAtLeastOneActionIsCheckedHandler::forget(QObject* destroyed)
-{
-    m_actions.removeIf([destroyed](const QAction* action) { return action == destroyed; });
-}
-
 bool EnsureAtLeastOneActionIsCheckedHandler::isAnyChecked() const
 {
     return std::any_of(m_actions.cbegin(), m_actions.cend(),
-                       [](const QAction* action) { return action->isChecked(); });
+                       [](const QAction* action) { return action && action->isChecked(); });
 }
 
 } // namespace QActionHelpers

@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPointer>
 
 class QAction;
 
@@ -25,10 +26,9 @@ private Q_SLOTS:
     void onToggled(bool checked);
 
 private:
-    void forget(QObject* destroyed);
     bool isAnyChecked() const;
 
-    QList<QAction*> m_actions;
+    QList<QPointer<QAction>> m_actions;
     bool m_restoring = false;
 };
 

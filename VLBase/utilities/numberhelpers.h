@@ -16,7 +16,7 @@ namespace NumberHelpers {
 /// \param ok   may be null; receives whether the text is a number that fits into `T`.
 /// \param base of whole numbers: 2 to 36, or 0 to tell it from the text, where "0x" and a leading
 ///             "0" mean 16 and 8. Not used for `float`, `double` and `bool`.
-/// \return 0 when `*ok` is false.
+/// \return 0 when `*ok` is false, but an infinity for a `float` or `double` that is too large.
 ///
 /// A truth value is a number, with base 0, or one of "true", "yes", "on", "false", "no", "off" in
 /// any case of letters and with blanks around. A number other than 0 and 1 is true with `*ok`

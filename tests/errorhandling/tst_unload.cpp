@@ -15,21 +15,22 @@
 
 namespace {
 
-void reportBothWays(const QString& text)
+void reportBothWays(const char* text)
 {
+    const QString name = QString::fromLatin1(text);
     ErrorHandler::Interface()->ProtocolException(
-        VLException(text + QStringLiteral(" at once"), QString(), QString(), QString(), 1, 2));
-    ErrorHandler::Interface()->ProtocolMessage(text + QStringLiteral(" queued"), QString(),
+        VLException(name + QStringLiteral(" at once"), QString(), QString(), QString(), 1, 2));
+    ErrorHandler::Interface()->ProtocolMessage(name + QStringLiteral(" queued"), QString(),
                                                QString(), QString(), 1, 255);
 }
 
 // Reports from its destructor, which runs before or after the application is gone.
 struct ReportsAtItsEnd
 {
-    QString text;
+    const char* text = nullptr;
     ~ReportsAtItsEnd()
     {
-        if (!text.isEmpty())
+        if (text)
             reportBothWays(text);
     }
 };
@@ -39,46 +40,69 @@ ReportsAtItsEnd madeBeforeTheHandler;
 class ClosedTracer : public ILogTracer
 {
 public:
-    ~ClosedTracer() override { reportBothWays(QStringLiteral("tracer")); }
+    ~ClosedTracer() override { reportBothWays("tracer"); }
     void SendDataTrace(QString) override {}
     void ReportException(QString) override {}
     bool IsOpen() override { return false; }
 };
 
-int reportWithoutApplication()
+void reportWithoutApplication(int, char**)
 {
-    madeBeforeTheHandler.text = QStringLiteral("static");
-    reportBothWays(QStringLiteral("main"));
-    return 0;
+    madeBeforeTheHandler.text = "static";
+    reportBothWays("main");
 }
 
-int reportUntilTheEnd(int argc, char** argv)
+void reportUntilTheEnd(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     static ReportsAtItsEnd madeAfterTheHandler;
-    madeBeforeTheHandler.text = QStringLiteral("static");
-    madeAfterTheHandler.text = QStringLiteral("local static");
+    madeBeforeTheHandler.text = "static";
+    madeAfterTheHandler.text = "local static";
     ErrorHandler::SetLogTracer(std::make_unique<ClosedTracer>());
-    reportBothWays(QStringLiteral("main"));
-    return 0;
+    reportBothWays("main");
 }
 
-int leaveThreadsRunning(int argc, char** argv)
+void reportInSeveralApplications(int argc, char** argv)
+{
+    for (const char* text : {"first", "second", "third"}) {
+        const QCoreApplication application(argc, argv);
+        reportBothWays(text);
+    }
+}
+
+void leaveThreadsRunning(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     static std::atomic<int> reported = 0;
     for (int i = 0; i < 4; ++i) {
         std::thread([] {
             for (;;) {
-                reportBothWays(QStringLiteral("thread"));
+                reportBothWays("thread");
                 ++reported;
             }
         }).detach();
     }
     while (reported < 100)
         std::this_thread::yield();
-    return 0;
 }
+
+// What a role logs at least, in this order.
+struct Role
+{
+    void (*run)(int argc, char** argv);
+    std::vector<const char*> logged;
+};
+
+const Role roles[] = {
+    {reportUntilTheEnd,
+     {"main at once", "main queued", "local static at once", "local static queued",
+      "static at once", "static queued", "tracer at once", "tracer queued"}},
+    {reportWithoutApplication, {"main at once", "static at once"}},
+    {reportInSeveralApplications,
+     {"first at once", "first queued", "second at once", "second queued", "third at once",
+      "third queued"}},
+    {leaveThreadsRunning, {"thread at once"}},
+};
 
 } // namespace
 
@@ -87,63 +111,37 @@ class UnloadTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void endsCleanly_data();
-    void endsCleanly();
+    void endsCleanly()
+    {
+        const PrivateTemp temp; // the roles inherit it
+        for (const Role& role : roles) {
+            QProcess process;
+            process.setProcessChannelMode(QProcess::ForwardedChannels);
+            process.start(QCoreApplication::applicationFilePath(),
+                          {QStringLiteral("--role"), QString::number(&role - roles)});
+            QVERIFY(process.waitForFinished(60000));
+            QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(process.exitCode(), 0);
 
-private:
-    PrivateTemp m_temp; // the roles inherit it
-};
-
-void UnloadTest::endsCleanly_data()
-{
-    QTest::addColumn<QString>("role");
-    QTest::addColumn<QStringList>("logged");
-    QTest::newRow("reports from the last destructors")
-        << QStringLiteral("last")
-        << QStringList{
-               QStringLiteral("main at once"),         QStringLiteral("main queued"),
-               QStringLiteral("local static at once"), QStringLiteral("local static queued"),
-               QStringLiteral("static at once"),       QStringLiteral("static queued"),
-               QStringLiteral("tracer at once"),       QStringLiteral("tracer queued")};
-    QTest::newRow("no application")
-        << QStringLiteral("bare")
-        << QStringList{QStringLiteral("main at once"), QStringLiteral("static at once")};
-    QTest::newRow("threads go on reporting")
-        << QStringLiteral("threads") << QStringList{QStringLiteral("thread at once")};
-}
-
-void UnloadTest::endsCleanly()
-{
-    QFETCH(QString, role);
-    QFETCH(QStringList, logged);
-    QProcess process;
-    process.setProcessChannelMode(QProcess::ForwardedChannels);
-    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--role"), role});
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
-
-    QFile file(m_temp.filePath(QStringLiteral("Logger.txt")));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QString log = QString::fromUtf8(file.readAll());
-    QVERIFY(file.remove());
-    qsizetype position = 0;
-    for (const QString& text : logged) {
-        position = log.indexOf(QLatin1Char('\t') + text + QLatin1String(" in file"), position);
-        QVERIFY2(position >= 0, qPrintable(text));
+            QFile file(temp.filePath(QStringLiteral("Logger.txt")));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const QByteArray log = file.readAll();
+            QVERIFY(file.remove());
+            qsizetype position = 0;
+            for (const char* text : role.logged) {
+                position = log.indexOf('\t' + QByteArray(text) + " in file", position);
+                QVERIFY2(position >= 0, text);
+            }
+        }
     }
-}
+};
 
 int main(int argc, char** argv)
 {
-    const QByteArray role = argc == 3 ? argv[2] : "";
-    if (role == "last")
-        return reportUntilTheEnd(argc, argv);
-    if (role == "bare")
-        return reportWithoutApplication();
-    if (role == "threads")
-        return leaveThreadsRunning(argc, argv);
-
+    if (argc == 3 && qstrcmp(argv[1], "--role") == 0) {
+        roles[QByteArray(argv[2]).toInt()].run(argc, argv);
+        return 0;
+    }
     const QCoreApplication application(argc, argv);
     UnloadTest test;
     return QTest::qExec(&test, argc, argv);

@@ -10,7 +10,6 @@
 
 #include <optional>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -62,130 +61,96 @@ class TimedCallTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void measuresMilliseconds();
-    void tracesWhatTakesTooLong();
-    void tracesItsOwnLife();
-    void nestedBlocks();
-    void depthIsCountedWithoutTraces();
-    void blocksOfSeveralThreads();
+    void measuresMilliseconds()
+    {
+        QElapsedTimer outer;
+        outer.start();
+        TimedCall call;
+        QElapsedTimer inner;
+        inner.start();
+        QTest::qSleep(40);
+        const double least = static_cast<double>(inner.nsecsElapsed()) / 1e6;
+        const double measured = call.GetTime();
+        const double most = static_cast<double>(outer.nsecsElapsed()) / 1e6;
+        // Both clocks are read to 0.1 ms and better.
+        QVERIFY2(measured >= least - 0.1 && measured <= most + 0.1,
+                 qPrintable(QString::number(measured)));
+        const TimedCall copy(call);
+        call = TimedCall();
+        QVERIFY(copy.GetTime() >= measured && call.GetTime() < copy.GetTime());
+    }
+
+    void tracesWhatTakesTooLong()
+    {
+        Traces traces;
+        {
+            const AutoTimedCall life(u"life"_qs);
+            QTest::qSleep(2);
+            life.Evaluate(u"slow"_qs, 60'000.0);
+            QVERIFY(traces.texts.isEmpty());
+            life.Evaluate(u"slow"_qs, 1.0);
+            const MaskOff off;
+            life.Evaluate(u"slow"_qs, 1.0);
+        }
+        const QString place = u"errorhandling/quality|||243|3"_qs;
+        QCOMPARE(traces.places, QStringList({place, place}));
+        const QRegularExpression form(u"^slow (\\d+(\\.\\d+)?) ms\nlife \\d+(\\.\\d+)? ms$"_qs);
+        const auto match = form.match(traces.texts.join(u'\n'));
+        QVERIFY2(match.hasMatch(), qPrintable(traces.texts.join(u'\n')));
+        QVERIFY(match.captured(1).toDouble() >= 1.9);
+        QVERIFY(match.captured(1).remove(u'.').size() <= 6);
+    }
+
+    void nestedBlocks()
+    {
+        Traces traces;
+        {
+            const BLOCK_TRACE a(u"A"_qs);
+            std::optional<MaskOff> off(std::in_place);
+            const BLOCK_TRACE unseen(u"unseen"_qs); // is counted all the same
+            QCOMPARE(BLOCK_TRACE::GetIndent(), u"*  "_qs);
+            off.reset();
+            const BLOCK_TRACE b(u"B"_qs);
+        }
+        QCOMPARE(traces.texts,
+                 QStringList({u"*A {"_qs, u"*  B {"_qs, u"*  }"_qs, u"* }"_qs, u"*}"_qs}));
+        const QString begin = u"errorhandling/quality|||129|3"_qs;
+        const QString end = u"errorhandling/quality|||136|3"_qs;
+        QCOMPARE(traces.places, QStringList({begin, begin, end, end, end}));
+        QCOMPARE(BLOCK_TRACE::GetIndent(), u"*"_qs);
+    }
+
+    void blocksOfSeveralThreads()
+    {
+        const MaskOff off;
+        const auto nest = [] {
+            for (int round = 0; round < 10'000; ++round)
+                const BLOCK_TRACE block(u"block"_qs);
+        };
+        std::thread other(nest);
+        nest();
+        other.join();
+        QCOMPARE(BLOCK_TRACE::GetIndent(), u"*"_qs);
+    }
+
     // Last: after a child was started, GCC's thread sanitizer allows no new thread.
-    void writesToTheDebugger();
+    void writesToTheDebugger()
+    {
+#ifdef Q_OS_WIN
+        QSKIP("the text goes to a debugger, which this test is not");
+#endif
+        QProcess process;
+        process.start(QCoreApplication::applicationFilePath(), {QLatin1String(debuggerRole)});
+        QVERIFY(process.waitForFinished() && process.exitCode() == 0);
+        const QString written = QString::fromUtf8(process.readAllStandardError());
+        const QRegularExpression form(
+            u"^sweep \u00b5 %2 Time \\d+\\.\\d\\dms\n Time \\d+\\.\\d\\dms\n$"_qs);
+        QVERIFY2(form.match(written).hasMatch(), qPrintable(written));
+    }
 
 private:
     PrivateTemp m_temp;
 };
-
-void TimedCallTest::measuresMilliseconds()
-{
-    QElapsedTimer outer;
-    outer.start();
-    TimedCall call;
-    QElapsedTimer inner;
-    inner.start();
-    QTest::qSleep(40);
-    const double least = static_cast<double>(inner.nsecsElapsed()) / 1e6;
-    const double measured = call.GetTime();
-    const double most = static_cast<double>(outer.nsecsElapsed()) / 1e6;
-    // Both clocks are read to 0.1 ms and better.
-    QVERIFY2(measured >= least - 0.1 && measured <= most + 0.1,
-             qPrintable(QString::number(measured)));
-    const TimedCall copy(call);
-    QVERIFY(copy.GetTime() >= measured);
-    call = TimedCall();
-    QVERIFY(call.GetTime() < copy.GetTime());
-}
-
-void TimedCallTest::tracesWhatTakesTooLong()
-{
-    Traces traces;
-    const TimedCall call;
-    QTest::qSleep(2);
-    call.Evaluate(u"slow"_qs, 60'000.0);
-    QVERIFY(traces.texts.isEmpty());
-    call.Evaluate(u"slow"_qs, 1.0);
-    QCOMPARE(traces.places, QStringList(u"errorhandling/quality|||243|3"_qs));
-    const QRegularExpression form(u"^slow (\\d+(\\.\\d+)?) ms$"_qs);
-    const auto match = form.match(traces.texts.first());
-    QVERIFY2(match.hasMatch(), qPrintable(traces.texts.first()));
-    QVERIFY(match.captured(1).toDouble() >= 1.9);
-    QVERIFY(match.captured(1).remove(u'.').size() <= 6);
-    const MaskOff off;
-    call.Evaluate(u"slow"_qs, 1.0);
-    QCOMPARE(traces.texts.size(), 1);
-}
-
-void TimedCallTest::tracesItsOwnLife()
-{
-    Traces traces;
-    {
-        const AutoTimedCall call(u"life"_qs);
-        QTest::qSleep(2);
-        QVERIFY(traces.texts.isEmpty());
-    }
-    QCOMPARE(traces.texts.size(), 1);
-    QVERIFY(traces.texts.first().startsWith(u"life "));
-    QVERIFY(traces.texts.first().endsWith(u" ms"));
-}
-
-void TimedCallTest::writesToTheDebugger()
-{
-#ifdef Q_OS_WIN
-    QSKIP("the text goes to a debugger, which this test is not");
-#endif
-    Traces traces;
-    QProcess process;
-    process.start(QCoreApplication::applicationFilePath(), {QLatin1String(debuggerRole)});
-    QVERIFY(process.waitForFinished());
-    QCOMPARE(process.exitCode(), 0);
-    const QString written = QString::fromUtf8(process.readAllStandardError());
-    const QRegularExpression form(
-        u"^sweep \u00b5 %2 Time \\d+\\.\\d\\dms\n Time \\d+\\.\\d\\dms\n$"_qs);
-    QVERIFY2(form.match(written).hasMatch(), qPrintable(written));
-}
-
-void TimedCallTest::nestedBlocks()
-{
-    Traces traces;
-    {
-        const BLOCK_TRACE a(u"A"_qs);
-        const BLOCK_TRACE b(u"B"_qs);
-    }
-    QCOMPARE(traces.texts, QStringList({u"*A {"_qs, u"* B {"_qs, u"* }"_qs, u"*}"_qs}));
-    const QString begin = u"errorhandling/quality|||129|3"_qs;
-    const QString end = u"errorhandling/quality|||136|3"_qs;
-    QCOMPARE(traces.places, QStringList({begin, begin, end, end}));
-    QCOMPARE(BLOCK_TRACE::GetIndent(), u"*"_qs);
-}
-
-void TimedCallTest::depthIsCountedWithoutTraces()
-{
-    Traces traces;
-    {
-        std::optional<MaskOff> off(std::in_place);
-        const BLOCK_TRACE a(u"A"_qs);
-        QCOMPARE(BLOCK_TRACE::GetIndent(), u"* "_qs);
-        off.reset();
-        const BLOCK_TRACE b(u"B"_qs);
-        off.emplace();
-    }
-    QCOMPARE(traces.texts, QStringList(u"* B {"_qs));
-    QCOMPARE(BLOCK_TRACE::GetIndent(), u"*"_qs);
-}
-
-void TimedCallTest::blocksOfSeveralThreads()
-{
-    const MaskOff off;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([] {
-            for (int round = 0; round < 1000; ++round)
-                const BLOCK_TRACE block(u"block"_qs);
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    QCOMPARE(BLOCK_TRACE::GetIndent(), u"*"_qs);
-}
 
 int main(int argc, char** argv)
 {

@@ -7,7 +7,6 @@
 #include <QIcon>
 #include <QPixmap>
 #include <QPointer>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
@@ -16,29 +15,17 @@
 
 using namespace QActionHelpers;
 using Binding = ActionActionBinding;
+using Guard = EnsureAtLeastOneActionIsCheckedHandler;
 
 namespace {
 
-constexpr char roleProperty[] = "QActionHelpers_ActionContainer_actionRole";
-
+/// The letters of actions; "|" is a separator.
 QString textsOf(const QList<QAction*>& actions)
 {
     QString texts;
     for (const QAction* action : actions)
         texts += action->isSeparator() ? QStringLiteral("|") : action->text();
     return texts;
-}
-
-/// One letter per action, whose role is the digit behind it; "|" is a separator.
-void fill(ActionContainer& container, const QString& plan)
-{
-    for (qsizetype i = 0; i < plan.size(); ++i) {
-        if (plan[i] == u'|')
-            container.addSeparator();
-        else
-            container.addAction(QString(plan[i]), plan[i + 1].digitValue());
-        i += plan[i] == u'|' ? 0 : 1;
-    }
 }
 
 QIcon icon(Qt::GlobalColor colour)
@@ -48,11 +35,10 @@ QIcon icon(Qt::GlobalColor colour)
     return QIcon(pixmap);
 }
 
-QAction* checkable(QObject* parent, bool checked = false)
+QAction* checkable(QObject* parent)
 {
     auto* action = new QAction(parent);
     action->setCheckable(true);
-    action->setChecked(checked);
     return action;
 }
 
@@ -63,308 +49,226 @@ class TestActions : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void rolesSelectActions_data();
-    void rolesSelectActions();
-    void containerTakesOrphansOnly();
-    void endedActionLeavesTheContainer();
-    void removedActionBelongsToTheCaller();
-    void movedActionsChangeTheirParent();
-    void bindingMirrorsItsOptions_data();
-    void bindingMirrorsItsOptions();
-    void bindingTriggers();
-    void checkedBindingSetsAndTriggers();
-    void bindingsInBothDirectionsComeToRest();
-    void bindingEndsWithEitherAction();
-    void guardKeepsOneChecked();
-    void guardSurvivesItsActionsAndItsEnd();
-};
-
-void TestActions::rolesSelectActions_data()
-{
-    QTest::addColumn<QString>("plan");
-    QTest::addColumn<int>("role");
-    QTest::addColumn<bool>("withSeparators");
-    QTest::addColumn<QString>("selected");
-
-    const QString mixed = u"A1|B2|C1"_qs;
-    QTest::newRow("inner run is kept") << mixed << 1 << true << u"A||C"_qs;
-    QTest::newRow("no separators") << mixed << 1 << false << u"AC"_qs;
-    QTest::newRow("none leads, none trails") << mixed << 2 << true << u"B"_qs;
-    QTest::newRow("everything as it is") << u"|A1|B0|"_qs << 0 << true << u"|A|B|"_qs;
-    QTest::newRow("role 0 itself") << u"|A1|B0|C0|"_qs << 0 << false << u"BC"_qs;
-    QTest::newRow("nobody has it") << mixed << 7 << true << QString();
-    QTest::newRow("separators have no role") << u"|A1|"_qs << -1 << false << QString();
-}
-
-void TestActions::rolesSelectActions()
-{
-    QFETCH(QString, plan);
-    QFETCH(int, role);
-    QFETCH(bool, withSeparators);
-    QFETCH(QString, selected);
-    ActionContainer container(nullptr);
-    fill(container, plan);
-
-    QCOMPARE(textsOf(container.actions(role, withSeparators)), selected);
-    QCOMPARE(container.count(role, withSeparators), selected.size());
-    QWidget widget;
-    QCOMPARE(textsOf(container.moveActionsTo(widget, role, withSeparators)), selected);
-    QCOMPARE(textsOf(widget.actions()), selected);
-    QString digits = plan;
-    digits.remove(QRegularExpression(u"\\d"_qs));
-    QCOMPARE(container.size(), digits.size() - selected.size());
-}
-
-void TestActions::containerTakesOrphansOnly()
-{
-    QObject owner;
-    ActionContainer container(nullptr);
-    auto* orphan = new QAction;
-    auto* owned = new QAction(&owner);
-    QAction* separator = createSeparator(&owner);
-    QCOMPARE(container.addAction(nullptr, 3), &container);
-    QCOMPARE(container.size(), 0);
-    QCOMPARE(container.addActions({orphan, nullptr, owned}, 3), &container);
-    container.addAction(separator, 3);
-    QAction* made = container.addAction(icon(Qt::red), u"made"_qs, 4);
-
-    QCOMPARE(orphan->parent(), &container);
-    QCOMPARE(owned->parent(), &owner);
-    QCOMPARE(made->parent(), &container);
-    QVERIFY(!made->icon().isNull());
-    QCOMPARE(owned->property(roleProperty), QVariant(3));
-    QVERIFY(!separator->property(roleProperty).isValid());
-    QCOMPARE(container.actions(3, true), QList<QAction*>({orphan, owned}));
-    QCOMPARE(container.size(), 4);
-}
-
-void TestActions::endedActionLeavesTheContainer()
-{
-    QObject owner;
-    ActionContainer container(nullptr);
-    auto* first = new QAction(&owner);
-    container.addAction(first, 1)->addAction(first, 1);
-    QAction* second = container.addAction(u"B"_qs, 1);
-    delete first;
-    QCOMPARE(container.actions(), QList<QAction*>{second});
-    QVERIFY(!container.removeAction(first));
-    delete second;
-    QCOMPARE(container.size(), 0);
-}
-
-void TestActions::removedActionBelongsToTheCaller()
-{
-    QObject owner;
-    auto container = std::make_unique<ActionContainer>(nullptr);
-    const std::unique_ptr<QAction> own(container->addAction(u"A"_qs, 1));
-    auto* owned = new QAction(&owner);
-    container->addAction(owned, 1);
-
-    QVERIFY(container->removeAction(own.get()));
-    QVERIFY(!container->removeAction(own.get()));
-    QVERIFY(container->removeAction(owned));
-    QCOMPARE(own->parent(), nullptr);
-    QCOMPARE(owned->parent(), &owner);
-    QCOMPARE(container->size(), 0);
-}
-
-void TestActions::movedActionsChangeTheirParent()
-{
-    QObject owner;
-    QWidget widget;
-    QAction stranger;
-    ActionContainer container(nullptr);
-    QAction* single = container.addAction(u"S"_qs, 1);
-    QAction* own = container.addAction(u"A"_qs, 1);
-    auto* owned = new QAction(u"B"_qs, &owner);
-    container.addAction(owned, 1);
-
-    QVERIFY(container.moveActionTo(single, widget));
-    QVERIFY(!container.moveActionTo(single, widget));
-    QCOMPARE(single->parent(), &widget);
-    QVERIFY(widget.actions().isEmpty());
-
-    QCOMPARE(container.moveActionsTo({owned, &stranger, own, nullptr, own}, widget),
-             QList<QAction*>({owned, own}));
-    QCOMPARE(widget.actions(), QList<QAction*>({owned, own}));
-    QCOMPARE(own->parent(), &widget);
-    QCOMPARE(owned->parent(), &owner);
-    QCOMPARE(container.size(), 0);
-}
-
-void TestActions::bindingMirrorsItsOptions_data()
-{
-    QTest::addColumn<int>("options");
-
-    for (int bit = 1; bit <= 0x80; bit <<= 1)
-        QTest::addRow("0x%02x alone", static_cast<unsigned>(bit)) << bit;
-    QTest::newRow("all") << 0xFF;
-    QTest::newRow("all but checked") << 0xFD;
-}
-
-void TestActions::bindingMirrorsItsOptions()
-{
-    QFETCH(int, options);
-    const auto has = [options](Binding::Option option) { return (options & option) != 0; };
-    QAction source;
-    QAction target;
-    // As at the creation, so at every later change.
-    const auto change = [&source](bool on, const QString& text, const QIcon& newIcon) {
-        source.setCheckable(on);
-        source.setEnabled(!on);
-        source.setIcon(newIcon);
-        source.setText(text);
-        source.setToolTip(text + QChar(u'!'));
-        source.setVisible(!on);
-    };
-    const auto verify = [&](bool on, const QString& text, const QIcon& newIcon) {
-        const QAction fresh;
-        QCOMPARE(target.isCheckable(), has(Binding::BindCheckable) && on);
-        QCOMPARE(target.isEnabled(),
-                 !(has(Binding::BindEnabled) && on) && !(has(Binding::BindVisible) && on));
-        QCOMPARE(target.icon().cacheKey(), has(Binding::BindIcon) ? newIcon.cacheKey() : 0);
-        QCOMPARE(target.text(), has(Binding::BindText) ? text : QString());
-        QCOMPARE(target.toolTip(), has(Binding::BindToolTip) ? text + QChar(u'!')
-                                   : has(Binding::BindText)  ? text
-                                                             : QString());
-        QCOMPARE(target.isVisible(), !(has(Binding::BindVisible) && on));
-    };
-    const QIcon red = icon(Qt::red);
-    const QIcon blue = icon(Qt::blue);
-
-    change(true, u"one"_qs, red);
-    const Binding* binding =
-        Binding::create(source, target, Binding::Options(QFlag(options)), nullptr);
-    QCOMPARE(binding->parent(), &target);
-    verify(true, u"one"_qs, red);
-    change(false, u"two"_qs, blue);
-    verify(false, u"two"_qs, blue);
-}
-
-void TestActions::bindingTriggers()
-{
-    QAction source;
-    QAction triggered;
-    QAction described;
-    QSignalSpy triggers(&triggered, &QAction::triggered);
-    QSignalSpy others(&described, &QAction::triggered);
-    Binding::create(source, triggered, Binding::BindTriggered, nullptr);
-    Binding::create(source, described, Binding::BindText, nullptr);
-    source.trigger();
-    source.trigger();
-    QCOMPARE(triggers.size(), 2);
-    QCOMPARE(others.size(), 0);
-}
-
-void TestActions::checkedBindingSetsAndTriggers()
-{
-    QAction source;
-    QAction plain;
-    QAction* target = checkable(&source);
-    QSignalSpy toggles(target, &QAction::toggled);
-    QSignalSpy triggers(target, &QAction::triggered);
-    source.setCheckable(true);
-    source.setChecked(true);
-    QObject parent;
-    const Binding* binding = Binding::create(source, *target, Binding::BindChecked, &parent);
-    QCOMPARE(binding->parent(), &parent);
-    QVERIFY(target->isChecked());
-
-    source.setChecked(false);
-    QVERIFY(!target->isChecked());
-    QCOMPARE(triggers.size(), 0);
-    QCOMPARE(toggles.size(), 2);
-    // The trigger comes after the toggle and turns the target once more.
-    source.trigger();
-    QVERIFY(source.isChecked());
-    QVERIFY(!target->isChecked());
-    QCOMPARE(triggers.size(), 1);
-    QCOMPARE(toggles.size(), 4);
-}
-
-void TestActions::bindingsInBothDirectionsComeToRest()
-{
-    QAction first;
-    QAction second;
-    const auto options = Binding::BindAll & ~(Binding::BindTriggered | Binding::BindChecked);
-    Binding::create(first, second, options, nullptr);
-    Binding::create(second, first, options, nullptr);
-    const QIcon red = icon(Qt::red);
-    first.setIcon(red);
-    second.setText(u"text"_qs);
-    QCOMPARE(second.icon().cacheKey(), red.cacheKey());
-    QCOMPARE(first.text(), u"text"_qs);
-}
-
-void TestActions::bindingEndsWithEitherAction()
-{
-    for (const bool sourceEnds : {true, false}) {
-        QObject parent;
-        auto source = std::make_unique<QAction>();
-        auto target = std::make_unique<QAction>();
-        const QPointer<Binding> binding = Binding::create(*source, *target, &parent);
-        (sourceEnds ? source : target).reset();
-        // The binding ends a little later; what is left changes before that.
-        QAction& left = sourceEnds ? *target : *source;
-        left.setText(u"left"_qs);
-        left.setCheckable(true);
-        left.trigger();
-        QVERIFY(binding);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!binding);
-    }
-}
-
-void TestActions::guardKeepsOneChecked()
-{
-    QObject owner;
-    QList<QAction*> actions{checkable(&owner), checkable(&owner), checkable(&owner)};
-    QSignalSpy toggles(actions[0], &QAction::toggled);
-    const EnsureAtLeastOneActionIsCheckedHandler guard(actions, nullptr);
-    const auto checked = [&actions] {
-        QString states;
-        for (const QAction* action : actions)
-            states += action->isChecked() ? u'x' : u'-';
-        return states;
-    };
-    QCOMPARE(checked(), u"x--"_qs);
-    actions[0]->trigger();
-    QCOMPARE(checked(), u"x--"_qs);
-    QCOMPARE(toggles, QList<QVariantList>({{true}, {false}, {true}}));
-    actions[2]->trigger();
-    actions[0]->trigger();
-    QCOMPARE(checked(), u"--x"_qs);
-    actions[2]->setChecked(false);
-    QCOMPARE(checked(), u"--x"_qs);
-
-    QList<QAction*> second{checkable(&owner), checkable(&owner, true)};
-    const EnsureAtLeastOneActionIsCheckedHandler leavesAlone(second, nullptr);
-    QVERIFY(!second[0]->isChecked());
-    const EnsureAtLeastOneActionIsCheckedHandler empty({}, nullptr);
-}
-
-void TestActions::guardSurvivesItsActionsAndItsEnd()
-{
-    QObject owner;
-    QAction* first = checkable(&owner);
-    QAction* second = checkable(&owner);
-    auto* guard = new EnsureAtLeastOneActionIsCheckedHandler({first, second, nullptr}, &owner);
-    delete first;
-    second->setChecked(true);
-    second->setChecked(false);
-    QVERIFY(second->isChecked());
-    // Whoever hears of the restored state may end the guard.
-    connect(second, &QAction::toggled, this, [&guard](bool on) {
-        if (on) {
-            delete guard;
-            guard = nullptr;
+    void rolesSelectActions()
+    {
+        // The digit behind each letter is its role.
+        const std::tuple<QString, int, bool, QString> cases[] = {
+            {u"A1|B2|C1"_qs, 1, true, u"A||C"_qs},  {u"A1|B2|C1"_qs, 1, false, u"AC"_qs},
+            {u"A1|B2|C1"_qs, 2, true, u"B"_qs},     {u"|A1|B0|"_qs, 0, true, u"|A|B|"_qs},
+            {u"|A1|B0|C0|"_qs, 0, false, u"BC"_qs}, {u"|A1|"_qs, -1, false, QString()},
+        };
+        for (const auto& [plan, role, withSeparators, selected] : cases) {
+            ActionContainer container(nullptr);
+            for (const QChar c : plan) {
+                if (c == u'|')
+                    container.addSeparator();
+                else if (c.isLetter())
+                    container.addAction(QString(c), plan[plan.indexOf(c) + 1].digitValue());
+            }
+            const int all = container.size();
+            QCOMPARE(textsOf(container.actions(role, withSeparators)), selected);
+            QCOMPARE(container.count(role, withSeparators), selected.size());
+            QWidget widget;
+            QCOMPARE(textsOf(container.moveActionsTo(widget, role, withSeparators)), selected);
+            QCOMPARE(textsOf(widget.actions()), selected);
+            QCOMPARE(container.size(), all - selected.size());
         }
-    });
-    second->setChecked(false);
-    QVERIFY(!guard);
-    second->setChecked(false);
-    QVERIFY(!second->isChecked());
-}
+    }
+
+    void containerOwnsOrphansOnly()
+    {
+        constexpr char roleProperty[] = "QActionHelpers_ActionContainer_actionRole";
+        QObject owner;
+        QWidget widget;
+        ActionContainer container(nullptr);
+        const auto orphan = std::make_unique<QAction>();
+        auto* owned = new QAction(&owner);
+        QAction* separator = createSeparator(&owner);
+        QCOMPARE(container.addAction(nullptr, 3), &container);
+        QCOMPARE(container.addActions({orphan.get(), nullptr, owned}, 3), &container);
+        container.addAction(separator, 3);
+        QAction* made = container.addAction(icon(Qt::red), u"made"_qs, 4);
+        QAction* single = container.addAction(u"single"_qs, 4);
+        QCOMPARE(container.size(), 5);
+        QCOMPARE(container.actions(3, true), QList<QAction*>({orphan.get(), owned}));
+        QVERIFY(orphan->parent() == &container && made->parent() == &container);
+        QVERIFY(owned->parent() == &owner && !made->icon().isNull());
+        QCOMPARE(owned->property(roleProperty), QVariant(3));
+        QVERIFY(!separator->property(roleProperty).isValid());
+
+        QVERIFY(container.removeAction(orphan.get()) && !container.removeAction(orphan.get()));
+        QVERIFY(container.removeAction(separator));
+        QVERIFY(!orphan->parent() && separator->parent() == &owner);
+        QVERIFY(container.moveActionTo(single, widget) && !container.moveActionTo(single, widget));
+        QVERIFY(single->parent() == &widget && widget.actions().isEmpty());
+        const QList<QAction*> moved{owned, made};
+        QCOMPARE(container.moveActionsTo({owned, single, made, nullptr, made}, widget), moved);
+        QCOMPARE(widget.actions(), moved);
+        QVERIFY(made->parent() == &widget && owned->parent() == &owner);
+        QCOMPARE(container.size(), 0);
+    }
+
+    void endedActionLeavesTheContainer()
+    {
+        QObject owner;
+        ActionContainer container(nullptr);
+        auto* first = new QAction(&owner);
+        int sizeAtTheEnd = -1; // as a slot sees it that was there before the container
+        connect(first, &QObject::destroyed, this, [&] { sizeAtTheEnd = container.count(1, true); });
+        container.addAction(first, 1)->addAction(first, 1);
+        QAction* second = container.addAction(u"B"_qs, 1);
+        delete first;
+        QCOMPARE(sizeAtTheEnd, 1);
+        QCOMPARE(container.actions(), QList<QAction*>{second});
+        QVERIFY(!container.removeAction(first) && !container.removeAction(nullptr));
+        delete second;
+        QCOMPARE(container.size(), 0);
+    }
+
+    void bindingMirrorsItsOptions()
+    {
+        const QIcon icons[] = {icon(Qt::red), icon(Qt::blue)};
+        for (const int options : {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, 0x40, 0x80, 0xFD, 0xFF}) {
+            const auto has = [options](Binding::Option option) { return (options & option) != 0; };
+            QAction source;
+            QAction target;
+            const Binding* binding = nullptr;
+            // As at the creation, so at every later change.
+            for (const bool on : {true, false}) {
+                const QString text = on ? u"one"_qs : u"two"_qs;
+                source.setCheckable(on);
+                source.setEnabled(!on);
+                source.setIcon(icons[on]);
+                source.setText(text);
+                source.setToolTip(text + u'!');
+                source.setVisible(!on);
+                if (!binding)
+                    binding = Binding::create(source, target, Binding::Options(QFlag(options)));
+                QCOMPARE(binding->parent(), &target);
+                const QString shownText = has(Binding::BindText) ? text : QString();
+                const bool visible = !(has(Binding::BindVisible) && on);
+                const QVariantList expected{has(Binding::BindCheckable) && on,
+                                            visible && !(has(Binding::BindEnabled) && on),
+                                            has(Binding::BindIcon) ? icons[on].cacheKey() : 0,
+                                            shownText,
+                                            has(Binding::BindToolTip) ? text + u'!' : shownText,
+                                            visible};
+                QCOMPARE(QVariantList({target.isCheckable(), target.isEnabled(),
+                                       target.icon().cacheKey(), target.text(), target.toolTip(),
+                                       target.isVisible()}),
+                         expected);
+            }
+        }
+    }
+
+    void bindingTriggersAndChecks()
+    {
+        QAction source;
+        QAction described;
+        QAction triggered;
+        QObject parent;
+        QAction* checked = checkable(&source);
+        source.setCheckable(true);
+        source.setChecked(true);
+        QSignalSpy ofDescribed(&described, &QAction::triggered);
+        QSignalSpy ofTriggered(&triggered, &QAction::triggered);
+        QSignalSpy triggers(checked, &QAction::triggered);
+        QSignalSpy toggles(checked, &QAction::toggled);
+        Binding::create(source, described, Binding::BindText);
+        Binding::create(source, triggered, Binding::BindTriggered);
+        QCOMPARE(Binding::create(source, *checked, Binding::BindChecked, &parent)->parent(),
+                 &parent);
+        QVERIFY(checked->isChecked());
+
+        source.setChecked(false);
+        QVERIFY(!checked->isChecked());
+        QVERIFY(triggers.size() == 0 && toggles.size() == 2);
+        // The trigger comes after the toggle and turns the target once more.
+        source.trigger();
+        QVERIFY(source.isChecked() && !checked->isChecked());
+        QVERIFY(triggers.size() == 1 && toggles.size() == 4);
+        QVERIFY(ofTriggered.size() == 1 && ofDescribed.size() == 0);
+    }
+
+    void bindingsInBothDirectionsComeToRest()
+    {
+        QAction first;
+        QAction second;
+        const auto options = Binding::BindAll & ~(Binding::BindTriggered | Binding::BindChecked);
+        Binding::create(first, second, options);
+        Binding::create(second, first, options);
+        first.setIcon(icon(Qt::red));
+        second.setText(u"text"_qs);
+        QCOMPARE(second.icon().cacheKey(), first.icon().cacheKey());
+        QCOMPARE(first.text(), u"text"_qs);
+    }
+
+    void bindingEndsWithEitherAction()
+    {
+        for (const bool sourceEnds : {true, false}) {
+            QObject parent;
+            auto source = std::make_unique<QAction>();
+            auto target = std::make_unique<QAction>();
+            const QPointer<Binding> binding = Binding::create(*source, *target, &parent);
+            QAction& left = sourceEnds ? *target : *source;
+            // In the midst of a change, after which what is left changes again.
+            connect(target.get(), &QAction::changed, this,
+                    [&] { (sourceEnds ? source : target).reset(); });
+            source->setText(u"last"_qs);
+            QVERIFY(!source || !target);
+            left.setText(u"left"_qs);
+            left.setCheckable(true);
+            left.trigger();
+            QVERIFY(binding);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            QVERIFY(!binding);
+        }
+    }
+
+    void guardKeepsOneChecked()
+    {
+        QObject owner;
+        QAction* a = checkable(&owner);
+        QAction* b = checkable(&owner);
+        QSignalSpy toggles(a, &QAction::toggled);
+        const Guard guard({a, b}, nullptr);
+        QVERIFY(a->isChecked() && !b->isChecked());
+        a->trigger();
+        QVERIFY(a->isChecked() && !b->isChecked());
+        QCOMPARE(toggles, QList<QVariantList>({{true}, {false}, {true}}));
+        b->trigger();
+        a->trigger();
+        b->setChecked(false);
+        QVERIFY(!a->isChecked() && b->isChecked());
+        const Guard leavesAlone({a, b}, nullptr);
+        QVERIFY(!a->isChecked() && b->isChecked());
+        const Guard empty({}, nullptr);
+    }
+
+    void guardSurvivesItsActionsAndItsEnd()
+    {
+        QObject owner;
+        QAction* first = checkable(&owner);
+        QAction* second = checkable(&owner);
+        // A slot that was there before the guard, and makes it look at its actions.
+        connect(first, &QObject::destroyed, this, [second] {
+            second->setChecked(true);
+            second->setChecked(false);
+        });
+        auto* guard = new Guard({first, second, nullptr}, &owner);
+        delete first;
+        QVERIFY(second->isChecked());
+        // Whoever hears of the restored state may end the guard.
+        connect(second, &QAction::toggled, this, [&guard](bool on) {
+            if (on)
+                delete std::exchange(guard, nullptr);
+        });
+        second->setChecked(false);
+        QVERIFY(!guard);
+        second->setChecked(false);
+        QVERIFY(!second->isChecked());
+    }
+};
 
 QTEST_MAIN(TestActions)
 #include "tst_actions.moc"

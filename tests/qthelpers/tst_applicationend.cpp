@@ -17,66 +17,62 @@ class TestApplicationEnd : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void pendingCallsGoWithTheApplication();
-    void pendingCallsGoWithTheirThread();
-    void quitEndsAWaitAndIsIssuedAgain();
+    void pendingCallsGoWithTheApplication()
+    {
+        const auto state = std::make_shared<bool>(false);
+        {
+            QApplication application(m_argc, m_argv);
+            QTimerHelpers::singleShot(60'000, [state] { *state = true; });
+            QTimerHelpers::singleShot(0, [state] { *state = true; });
+            QFileDialogHelpers::AsyncGetExistingDirectory::asyncGetExistingDirectory(
+                [state](const QString&) { *state = true; });
+            QCOMPARE(state.use_count(), 4L);
+        }
+        QCOMPARE(state.use_count(), 1L);
+        QVERIFY(!*state);
+    }
+
+    void pendingCallsGoWithTheirThread()
+    {
+        QCoreApplication application(m_argc, m_argv);
+        const auto state = std::make_shared<std::atomic<bool>>(false);
+        std::unique_ptr<QThread> thread(QThread::create([state] {
+            QTimerHelpers::singleShot(60'000, [state] { *state = true; });
+            QTimerHelpers::singleShot(0, [state] { *state = true; });
+            QObjectHelpers::wait(30);
+        }));
+        thread->start();
+        QVERIFY(thread->wait());
+        QVERIFY(*state);
+        thread.reset();
+        QCOMPARE(state.use_count(), 1L);
+    }
+
+    void quitEndsAWaitAndIsIssuedAgain()
+    {
+        QCoreApplication application(m_argc, m_argv);
+        QObject silent;
+        bool result = true;
+        QTimer::singleShot(0, &silent, [&] {
+            QTimer::singleShot(0, &silent, [] { QCoreApplication::quit(); });
+            result = QObjectHelpers::awaitSignal(&silent, "2destroyed()", -1);
+        });
+        QElapsedTimer clock;
+        clock.start();
+        QCoreApplication::exec();
+        QVERIFY(!result);
+        // An outer loop that is entered only now ends by the quit that was put off.
+        QVERIFY(clock.elapsed() < 4'000);
+        QCoreApplication::exec();
+        QVERIFY(clock.elapsed() >= 4'999);
+        QVERIFY(clock.elapsed() < 30'000);
+    }
 
 private:
     int m_argc = 1;
     char m_name[22] = "tst_applicationend";
     char* m_argv[2] = {m_name, nullptr};
 };
-
-void TestApplicationEnd::pendingCallsGoWithTheApplication()
-{
-    const auto state = std::make_shared<bool>(false);
-    {
-        QApplication application(m_argc, m_argv);
-        QTimerHelpers::singleShot(60'000, [state] { *state = true; });
-        QTimerHelpers::singleShot(0, [state] { *state = true; });
-        QFileDialogHelpers::AsyncGetExistingDirectory::asyncGetExistingDirectory(
-            [state](const QString&) { *state = true; });
-        QCOMPARE(state.use_count(), 4L);
-    }
-    QCOMPARE(state.use_count(), 1L);
-    QVERIFY(!*state);
-}
-
-void TestApplicationEnd::pendingCallsGoWithTheirThread()
-{
-    QCoreApplication application(m_argc, m_argv);
-    const auto state = std::make_shared<std::atomic<bool>>(false);
-    std::unique_ptr<QThread> thread(QThread::create([state] {
-        QTimerHelpers::singleShot(60'000, [state] { *state = true; });
-        QTimerHelpers::singleShot(0, [state] { *state = true; });
-        QObjectHelpers::wait(30);
-    }));
-    thread->start();
-    QVERIFY(thread->wait());
-    thread.reset();
-    QVERIFY(*state);
-    QCOMPARE(state.use_count(), 1L);
-}
-
-void TestApplicationEnd::quitEndsAWaitAndIsIssuedAgain()
-{
-    QCoreApplication application(m_argc, m_argv);
-    QObject silent;
-    bool result = true;
-    QTimer::singleShot(0, &silent, [&] {
-        QTimer::singleShot(0, &silent, [] { QCoreApplication::quit(); });
-        result = QObjectHelpers::awaitSignal(&silent, "2destroyed()", -1);
-    });
-    QElapsedTimer clock;
-    clock.start();
-    QCoreApplication::exec();
-    QVERIFY(!result);
-    // An outer loop that is entered only now ends by the quit that was put off.
-    QVERIFY(clock.elapsed() < 4'000);
-    QCoreApplication::exec();
-    QVERIFY(clock.elapsed() >= 4'999);
-    QVERIFY(clock.elapsed() < 30'000);
-}
 
 QTEST_APPLESS_MAIN(TestApplicationEnd)
 #include "tst_applicationend.moc"

@@ -9,6 +9,8 @@
 namespace vlbase::tool::geometry {
 namespace {
 
+constexpr qsizetype mostBytes = 16 * 1024 * 1024;
+
 /// What every geometry begins with.
 bool isRecord(const QByteArray& bytes)
 {
@@ -37,6 +39,21 @@ void findInSettings(const QString& fileName, std::vector<StoredGeometry>& found)
     }
 }
 
+bool readWhole(QFile& file, QByteArray& content, QString& errorText)
+{
+    // Devices have no end, and pipes give their content in pieces.
+    QByteArray piece;
+    do {
+        piece = file.read(mostBytes + 1 - content.size());
+        content += piece;
+    } while (!piece.isEmpty());
+    if (file.error() != QFileDevice::NoError)
+        errorText = file.errorString();
+    else if (content.size() > mostBytes)
+        errorText = QStringLiteral("it is longer than any settings file");
+    return errorText.isEmpty();
+}
+
 } // namespace
 
 bool isHexText(QStringView text)
@@ -56,11 +73,9 @@ bool findInFile(const QString& fileName, std::vector<StoredGeometry>& found, QSt
         errorText = file.errorString();
         return false;
     }
-    const QByteArray content = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        errorText = file.errorString();
+    QByteArray content;
+    if (!readWhole(file, content, errorText))
         return false;
-    }
     if (isRecord(content)) {
         found.push_back({fileName, content});
         return true;

@@ -15,21 +15,27 @@ QString row(const QString& title, const QString& content)
     return QStringLiteral("%1  %2\n").arg(title, -11).arg(content);
 }
 
+/// QRect's own width and height overflow on edges that a damaged record may name.
+qint64 sideOf(int first, int last)
+{
+    return qint64{last} - first + 1;
+}
+
 QString rectangleText(const QRect& rectangle)
 {
     return QStringLiteral("left %1, top %2, %3 x %4")
         .arg(rectangle.left())
         .arg(rectangle.top())
-        .arg(rectangle.width())
-        .arg(rectangle.height());
+        .arg(sideOf(rectangle.left(), rectangle.right()))
+        .arg(sideOf(rectangle.top(), rectangle.bottom()));
 }
 
 QJsonObject rectangleJson(const QRect& rectangle)
 {
     return {{QStringLiteral("left"), rectangle.left()},
             {QStringLiteral("top"), rectangle.top()},
-            {QStringLiteral("width"), rectangle.width()},
-            {QStringLiteral("height"), rectangle.height()}};
+            {QStringLiteral("width"), sideOf(rectangle.left(), rectangle.right())},
+            {QStringLiteral("height"), sideOf(rectangle.top(), rectangle.bottom())}};
 }
 
 QString flagText(unsigned char flag)
