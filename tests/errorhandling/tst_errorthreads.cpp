@@ -92,9 +92,9 @@ void joinAll(std::vector<std::thread>& threads)
 
 void reportAtOnce(int thread, int number)
 {
-    ErrorHandler::Interface()->ProtocolException(
-        VLException(QString::number(number), QStringLiteral("f"), QString(), QString(),
-                    static_cast<unsigned int>(thread), 0));
+    ErrorHandler::Interface()->ProtocolException(VLException(QString::number(number), u"f"_qs,
+                                                             QString(), QString(),
+                                                             static_cast<unsigned int>(thread), 0));
 }
 
 } // namespace
@@ -105,98 +105,86 @@ class ErrorThreadsTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { ErrorHandler::Instance().TurnLogFileOff(); }
-    void cleanup() { ErrorHandler::SetLogTracer(nullptr); }
-    void losesNoException();
-    void losesNoMessage();
-    void replacesTracersUnderLoad();
-    void readsMessagesUnderLoad();
+
+    void init()
+    {
+        m_counts = std::make_unique<Counts>();
+        ErrorHandler::SetLogTracer(std::make_unique<CountingTracer>(*m_counts));
+    }
+
+    void cleanup()
+    {
+        ErrorHandler::SetLogTracer(nullptr);
+        QCOMPARE(m_counts->outOfOrder.load(), 0);
+        QCOMPARE(m_counts->overlapping.load(), 0);
+        QCOMPARE(m_counts->afterItsEnd.load(), 0);
+    }
+
+    // While others read them.
+    void losesNoException()
+    {
+        auto threads = startThreads(ThreadCount, [](int thread) {
+            for (int number = 0; number < ReportsPerThread; ++number)
+                reportAtOnce(thread, number);
+        });
+        int malformed = 0;
+        for (int read = 0; read < FewReportsPerThread / 4;) {
+            bool atEnd = false;
+            ErrorHandler::Interface()->InitGetNextMessage(atEnd, 1);
+            for (;;) {
+                const QString text = ErrorHandler::Interface()->GetNextMessage(atEnd);
+                if (atEnd)
+                    break;
+                ++read;
+                malformed += text.count(u'@') != 6 || !text.startsWith(u'!');
+            }
+        }
+        joinAll(threads);
+        QCOMPARE(malformed, 0);
+        QCOMPARE(m_counts->received.load(), ThreadCount * ReportsPerThread);
+        QCOMPARE(ErrorHandler::Instance().GetMessages()->GetList().size(), std::size_t(100));
+    }
+
+    void losesNoMessage()
+    {
+        auto threads = startThreads(ThreadCount, [this](int thread) {
+            for (int number = 0; number < FewReportsPerThread; ++number) {
+                if (number >= 2 * Batch && number % Batch == 0)
+                    m_counts->batches[static_cast<std::size_t>(thread)].acquire();
+                ErrorHandler::Interface()->ProtocolMessage(
+                    QString::number(number), u"f"_qs, QString(), QString(),
+                    static_cast<unsigned short>(thread), 255);
+            }
+        });
+        QTRY_COMPARE_WITH_TIMEOUT(m_counts->received.load(), ThreadCount * FewReportsPerThread,
+                                  120000);
+        joinAll(threads);
+    }
+
+    void replacesTracersUnderLoad()
+    {
+        constexpr int reports = FewReportsPerThread / 4;
+        std::atomic<int> running = 4;
+        auto threads = startThreads(4, [&running](int thread) {
+            for (int number = 0; number < reports; ++number)
+                reportAtOnce(thread, number);
+            --running;
+        });
+        int replaced = 0;
+        for (; running > 0; ++replaced) {
+            ErrorHandler::SetLogTracer(std::make_unique<CountingTracer>(*m_counts));
+            ErrorHandler::Instance().TurnLogFileOn();
+            ErrorHandler::Instance().TurnLogFileOff();
+        }
+        joinAll(threads);
+        QVERIFY(replaced > 0);
+        QCOMPARE(m_counts->received.load(), 4 * reports);
+    }
 
 private:
     PrivateTemp m_temp;
+    std::unique_ptr<Counts> m_counts;
 };
-
-void ErrorThreadsTest::losesNoException()
-{
-    Counts counts;
-    ErrorHandler::SetLogTracer(std::make_unique<CountingTracer>(counts));
-    auto threads = startThreads(ThreadCount, [](int thread) {
-        for (int number = 0; number < ReportsPerThread; ++number)
-            reportAtOnce(thread, number);
-    });
-    joinAll(threads);
-    QCOMPARE(counts.received.load(), ThreadCount * ReportsPerThread);
-    QCOMPARE(counts.outOfOrder.load(), 0);
-    QCOMPARE(counts.overlapping.load(), 0);
-    QCOMPARE(ErrorHandler::Instance().GetMessages()->GetList().size(), std::size_t(100));
-}
-
-void ErrorThreadsTest::losesNoMessage()
-{
-    Counts counts;
-    ErrorHandler::SetLogTracer(std::make_unique<CountingTracer>(counts));
-    auto threads = startThreads(ThreadCount, [&counts](int thread) {
-        for (int number = 0; number < FewReportsPerThread; ++number) {
-            if (number >= 2 * Batch && number % Batch == 0)
-                counts.batches[static_cast<std::size_t>(thread)].acquire();
-            ErrorHandler::Interface()->ProtocolMessage(QString::number(number), QStringLiteral("f"),
-                                                       QString(), QString(),
-                                                       static_cast<unsigned short>(thread), 255);
-        }
-    });
-    QTRY_COMPARE_WITH_TIMEOUT(counts.received.load(), ThreadCount * FewReportsPerThread, 120000);
-    joinAll(threads);
-    QCOMPARE(counts.outOfOrder.load(), 0);
-    QCOMPARE(counts.overlapping.load(), 0);
-}
-
-void ErrorThreadsTest::replacesTracersUnderLoad()
-{
-    constexpr int reports = FewReportsPerThread / 4;
-    Counts counts;
-    ErrorHandler::SetLogTracer(std::make_unique<CountingTracer>(counts));
-    std::atomic<int> running = 4;
-    auto threads = startThreads(4, [&running](int thread) {
-        for (int number = 0; number < reports; ++number)
-            reportAtOnce(thread, number);
-        --running;
-    });
-    int replaced = 0;
-    while (running > 0) {
-        ErrorHandler::SetLogTracer(std::make_unique<CountingTracer>(counts));
-        ErrorHandler::Instance().TurnLogFileOn();
-        ErrorHandler::Instance().TurnLogFileOff();
-        ++replaced;
-    }
-    joinAll(threads);
-    QVERIFY(replaced > 0);
-    QCOMPARE(counts.received.load(), 4 * reports);
-    QCOMPARE(counts.outOfOrder.load(), 0);
-    QCOMPARE(counts.afterItsEnd.load(), 0);
-}
-
-void ErrorThreadsTest::readsMessagesUnderLoad()
-{
-    ErrorHandler& handler = ErrorHandler::Instance();
-    std::atomic<bool> stop = false;
-    auto threads = startThreads(2, [&stop](int thread) {
-        for (int number = 0; !stop; ++number)
-            reportAtOnce(thread, number);
-    });
-    int read = 0;
-    int malformed = 0;
-    while (read < FewReportsPerThread / 4) {
-        bool atEnd = false;
-        handler.InitGetNextMessage(atEnd, 1);
-        for (QString text = handler.GetNextMessage(atEnd); !atEnd;
-             text = handler.GetNextMessage(atEnd)) {
-            ++read;
-            malformed += text.count(u'@') != 6 || !text.startsWith(u'!');
-        }
-    }
-    stop = true;
-    joinAll(threads);
-    QCOMPARE(malformed, 0);
-}
 
 QTEST_GUILESS_MAIN(ErrorThreadsTest)
 #include "tst_errorthreads.moc"

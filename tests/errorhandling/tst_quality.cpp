@@ -1,8 +1,8 @@
+#include "../support/notingdialog.h"
 #include "../support/privatetemp.h"
 #include "recordingtracer.h"
 
 #include <VLBase/errorhandling/errorhandler.h>
-#include <VLBase/errorhandling/imessagedialog.h>
 #include <VLBase/errorhandling/messagelist.h>
 #include <VLBase/errorhandling/quality.h>
 #include <VLBase/errorhandling/vlexception.h>
@@ -14,203 +14,228 @@
 
 namespace {
 
-struct Posted
+VLException sample()
 {
-    QString text;
-    VLException exception;
-    QList<int> arguments;
-    int times = 0;
-};
+    VLException exception(u"re@son"_qs, u"a/b"_qs, u"C"_qs, u"m"_qs, 42, 7);
+    exception.SetErrorTime(QTime(9, 5, 7, 999));
+    return exception;
+}
 
-class PostDialog : public IMessageDialog
+/// The reason of the trace that waits, as it is recorded.
+QString takeTrace()
 {
-public:
-    explicit PostDialog(Posted& posted)
-        : m_posted(posted)
-    {
-    }
-    int ShowMessage(const QString&, unsigned char, bool, int, bool, bool) override { return 0; }
-    int ShowException(const VLException&, unsigned char, bool, int, bool, bool) override
-    {
-        return 0;
-    }
-    void PostException(VLException& exception, unsigned char level, bool b1, int n,
-                       bool b2) override
-    {
-        ++m_posted.times;
-        m_posted.exception = exception;
-        m_posted.arguments = {level, b1, n, b2};
-    }
-    void PostMessage(const QString&, unsigned char, bool, int, bool) override {}
-
-private:
-    Posted& m_posted;
-};
+    QCoreApplication::sendPostedEvents();
+    bool atEnd = false;
+    ErrorHandler::Interface()->InitGetNextMessage(atEnd, 0);
+    const QString record = ErrorHandler::Interface()->GetNextMessage(atEnd);
+    ErrorHandler::Instance().GetMessages()->DeleteMessageList();
+    return record.startsWith(u"3@"_qs) ? record.section(u'@', 1, -6) : u"no trace: "_qs + record;
+}
 
 } // namespace
 
+/// Exceptions and the functions that make them of failed contracts, and traces.
 class QualityTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void reportsAFailedContract_data();
-    void reportsAFailedContract();
-    void cutsATrace();
-    void formatsLikeWidePrintf();
-    void cutsAFormattedTrace_data();
-    void cutsAFormattedTrace();
-
-private:
-    // The reason of the trace that waits, as it was recorded.
-    static QString takeTrace()
+    void rendersEveryFormatAndLevel()
     {
-        QCoreApplication::sendPostedEvents();
-        bool atEnd = false;
-        ErrorHandler::Interface()->InitGetNextMessage(atEnd, 0);
-        const QString record = ErrorHandler::Interface()->GetNextMessage(atEnd);
-        ErrorHandler::Instance().GetMessages()->DeleteMessageList();
-        return record.startsWith(QLatin1String("3@")) ? record.section(u'@', 1, -6)
-                                                      : QStringLiteral("no trace: ") + record;
+        const QString record = u"@re@son@a/b@42@C@m@09:05:07"_qs;
+        const QString full =
+            u":\t09:05:07:\tre@son in file a/b in class C in method m in line 42\n"_qs;
+        const QString unknown = u"Unknown FormatMode Selected"_qs;
+        const std::tuple<int, int, QString> cases[] = {
+            {1, 1, u"re@son"_qs},
+            {2, 1, u'!' + record},
+            {2, 255, record},
+            {2, 0, u'0' + record},
+            {2, 254, u"254"_qs + record},
+            {3, 1, u"Error:"_qs + full},
+            {3, 255, u"Info:"_qs + full},
+            {3, 0, u"Warning (Level 0)"_qs + full},
+            {3, 3, u"Warning (Level 3)"_qs + full},
+            {0, 1, unknown},
+            {4, 1, unknown},
+        };
+        for (const auto& [number, level, text] : cases) {
+            const auto format = static_cast<VLExceptionTextFormat>(number);
+            const auto byte = static_cast<unsigned char>(level);
+            QCOMPARE(sample().GetExceptionWideText(format, byte), text);
+            QCOMPARE(sample().GetExceptionAsciiText(format, byte), text.toStdString());
+        }
     }
 
-    PrivateTemp m_temp;
-    TracerLog m_log;
-};
+    void beginsWithDefaultsOrEightBitText()
+    {
+        const QTime before = QTime::currentTime();
+        VLException exception;
+        const QTime after = QTime::currentTime();
+        QVERIFY(before > after // midnight
+                || (before <= exception.GetErrorTime() && exception.GetErrorTime() <= after));
+        exception.SetErrorTime(QTime(0, 0));
+        QCOMPARE(exception.GetExceptionWideText(ExceptionTextFull, 1),
+                 u"Error::\t00:00:00:\tNO REASON in file NO FILENAME in class NO CLASSNAME in "
+                 "method NO METHODNAME in line 0\n"_qs);
+        QCOMPARE(exception.GetErrorId(), 0U);
 
-void QualityTest::init()
-{
-    ErrorHandler::SetLogTracer(std::make_unique<RecordingTracer>(m_log));
-    ErrorHandler::Interface()->ProtocolException(VLException()); // takes the configuration trace
-    m_log.sent.clear();
-}
+        const std::string reason = "gr\xC3\xB6\xC3\x9F"
+                                   "er";
+        const VLException eightBit(reason, "\xE2\x82\xAC", nullptr, "m", 0xFFFFFFFFU,
+                                   VLException::NoErrorId);
+        QCOMPARE(eightBit.GetErrorReason(), u"gr\u00F6\u00DFer"_qs);
+        QVERIFY(eightBit.GetFileName() == u"\u20AC"_qs && eightBit.ClassName().isEmpty());
+        QCOMPARE(eightBit.GetMethodName(), u"m"_qs);
+        QVERIFY(eightBit.GetLineNumber() == 4294967295U && eightBit.GetErrorId() == 4294967295U);
+        QCOMPARE(eightBit.GetExceptionAsciiText(ExceptionTextReason, 1), reason);
+    }
 
-void QualityTest::cleanup()
-{
-    ErrorHandler::SetLogTracer(nullptr);
-    ErrorHandler::SetMessageDlg(nullptr);
-}
+    void comparesEveryField()
+    {
+        using Change = void (*)(VLException&);
+        const Change changes[] = {
+            [](VLException& e) { e.SetErrorTime(QTime(9, 5, 7, 998)); },
+            [](VLException& e) { e.SetErrorReason(QString()); },
+            [](VLException& e) { e.SetFileName(QString()); },
+            [](VLException& e) { e.SetClassName(QString()); },
+            [](VLException& e) { e.SetMethodName(QString()); },
+            [](VLException& e) { e.SetLineNumber(43); },
+            [](VLException& e) { e.SetErrorId(8); },
+        };
+        const VLException original = sample();
+        for (const Change change : changes) {
+            VLException changed = original;
+            QVERIFY(changed == original && !(changed != original));
+            change(changed);
+            QVERIFY(changed != original && !(changed == original));
+            VLException target;
+            target = changed;
+            QVERIFY(target == changed);
+        }
+        try {
+            throw sample();
+        } catch (const std::exception& caught) {
+            QCOMPARE(caught.what(), "Unknown exception");
+        }
+    }
 
-void QualityTest::reportsAFailedContract_data()
-{
-    using Check = void (*)();
-    QTest::addColumn<Check>("check");
-    QTest::addColumn<QString>("reason");
-    QTest::addColumn<QString>("file");
-    QTest::newRow("require") << Check([] { _Q_require(L"a/b", 65535); })
-                             << QStringLiteral("REQUIREMENT FAILED") << QStringLiteral("a/b");
-    QTest::newRow("ensure") << Check([] { _Q_ensure(L"a/b", 65535); })
-                            << QStringLiteral("ENSURE FAILED") << QStringLiteral("a/b");
-    QTest::newRow("assert") << Check([] { _Q_assert(L"x > \u00B5", L"a/b", 65535); })
-                            << QStringLiteral(u"ASSERTION FAILED x > \u00B5")
-                            << QStringLiteral("a/b");
-    QTest::newRow("null texts") << Check([] { _Q_assert(nullptr, nullptr, 65535); })
-                                << QStringLiteral("ASSERTION FAILED ") << QString();
-}
+    void argumentListIsInert()
+    {
+        VLArgumentListException exception(u"r"_qs, u"f"_qs, u"c"_qs, u"m"_qs, 1, {u"argument"_qs},
+                                          2UL, u"text"_qs);
+        QCOMPARE(exception.GetErrorReason(), u"NO REASON"_qs);
+        QVERIFY(exception.GetLineNumber() == 0 && exception.GetErrorId() == 0);
+        QVERIFY(!(exception == exception) && !(exception != exception));
+        exception.SetErrorReason(u"changed"_qs);
+        QCOMPARE(VLArgumentListException(exception).GetErrorReason(), u"NO REASON"_qs);
+        VLArgumentListException assigned;
+        assigned = exception;
+        QCOMPARE(assigned.GetErrorReason(), u"changed"_qs);
+        const VLException& base = assigned;
+        QCOMPARE(base.what(), "Unknown exception");
+        for (const auto format : {ExceptionTextReason, ExceptionTextRecord, ExceptionTextFull})
+            QVERIFY(base.GetExceptionWideText(format, 1).isEmpty() &&
+                    base.GetExceptionAsciiText(format, 1).empty());
+    }
 
-void QualityTest::reportsAFailedContract()
-{
-    using Check = void (*)();
-    QFETCH(Check, check);
-    QFETCH(QString, reason);
-    QFETCH(QString, file);
-    Posted posted;
-    ErrorHandler::SetMessageDlg(std::make_unique<PostDialog>(posted));
+    void reportsAFailedContract()
+    {
+        TracerLog log;
+        ErrorHandler::SetLogTracer(std::make_unique<RecordingTracer>(log));
+        ErrorHandler::Interface()->ProtocolException(VLException()); // with the configuration
+        const std::tuple<void (*)(), QString, QString> cases[] = {
+            {[] { _Q_require(L"a/b", 65535); }, u"REQUIREMENT FAILED"_qs, u"a/b"_qs},
+            {[] { _Q_ensure(L"a/b", 65535); }, u"ENSURE FAILED"_qs, u"a/b"_qs},
+            {[] { _Q_assert(L"x > \u00B5", L"a/b", 65535); }, u"ASSERTION FAILED x > \u00B5"_qs,
+             u"a/b"_qs},
+            {[] { _Q_assert(nullptr, nullptr, 65535); }, u"ASSERTION FAILED "_qs, QString()},
+        };
+        for (const auto& [check, reason, file] : cases) {
+            QStringList posted;
+            ErrorHandler::SetMessageDlg(
+                std::make_unique<NotingDialog>([&posted](const QString& note) { posted += note; }));
+            log.sent.clear();
+            check(); // recorded before it returns, without an event loop
+            QCOMPARE(log.sent.size(), 1);
+            QVERIFY(log.sent.first().startsWith(u"!@%1@%2@65535@@@"_qs.arg(reason, file)));
+            QCOMPARE(posted, QStringList(u"PostException(%1@%2@@@65535@4294967295,1,00,-1)"_qs.arg(
+                                 reason, file)));
+            ErrorHandler::SetMessageDlg(nullptr);
+            check();
+            QCOMPARE(log.sent.size(), 2);
+        }
+        ErrorHandler::SetLogTracer(nullptr);
+        ErrorHandler::Instance().GetMessages()->DeleteMessageList();
+    }
 
-    check(); // recorded before it returns, without an event loop
-
-    QCOMPARE(m_log.sent.size(), 1);
-    QVERIFY(m_log.sent.first().startsWith(QStringLiteral("!@%1@%2@65535@@@").arg(reason, file)));
-    QCOMPARE(posted.times, 1);
-    QCOMPARE(posted.arguments, (QList<int>{1, 0, -1, 0}));
-    QCOMPARE(posted.exception.GetErrorReason(), reason);
-    QCOMPARE(posted.exception.GetFileName(), file);
-    QCOMPARE(posted.exception.GetErrorId(), 0xFFFFFFFFU);
-    QVERIFY(posted.exception.ClassName().isEmpty());
-    QVERIFY(posted.exception.GetMethodName().isEmpty());
-
-    ErrorHandler::SetMessageDlg(nullptr);
-    check();
-    QCOMPARE(m_log.sent.size(), 2);
-    QCOMPARE(posted.times, 1);
-}
-
-void QualityTest::cutsATrace()
-{
-    _Q_Trace(QString(400, u'x') + QString(600, u'y'), QStringLiteral("f"), 12);
-    QVERIFY(m_log.sent.isEmpty());
-    QCoreApplication::sendPostedEvents();
-    QCOMPARE(m_log.sent.size(), 1);
-    QVERIFY(m_log.sent.first().startsWith(QStringLiteral("3@%1@f@12@@@").arg(QString(400, u'x'))));
-}
-
-void QualityTest::formatsLikeWidePrintf()
-{
+    void formatsLikeWidePrintf()
+    {
 #define TRACED(expected, ...)                                                                      \
     _Q_TraceOld(__VA_ARGS__);                                                                      \
     QCOMPARE(takeTrace(), QStringLiteral(expected))
 
-    // Text: wide unless the conversion says otherwise, whatever the size of a wide character.
-    TRACED(u"\u00E4\u20AC|b|c", QStringLiteral("%s|%ls|%ws"), L"\u00E4\u20AC", L"b", L"c");
-    TRACED(u"\u00E4|b|c", QStringLiteral("%S|%hs|%hS"), "\xC3\xA4", "b", "c");
-    TRACED("   ab|ab   |   ab|ab   |", QStringLiteral("%5s|%-5s|%*s|%*s|"), L"ab", L"ab", 5, L"ab",
-           -5, L"ab");
-    const wchar_t unterminated[] = {L'a', L'b', L'c'};
-    TRACED("ab|  a|", QStringLiteral("%.2s|%3.*s|"), unterminated, 1, unterminated);
-    TRACED("(null)|(null)", QStringLiteral("%s|%hs"), static_cast<wchar_t*>(nullptr),
-           static_cast<char*>(nullptr));
-    TRACED(u"\u20AC|x|  y|", QStringLiteral("%c|%hc|%3C|"), 0x20AC, 'x', 'y');
-    TRACED("ends", QStringLiteral("ends%chere"), 0);
+        // Text: wide unless the conversion says otherwise, whatever the size of a wide character.
+        TRACED(u"\u00E4\u20AC|b|c", u"%s|%ls|%ws"_qs, L"\u00E4\u20AC", L"b", L"c");
+        TRACED(u"\u00E4|b|c", u"%S|%hs|%hS"_qs, "\xC3\xA4", "b", "c");
+        TRACED("   ab|ab   |   ab|ab   |", u"%5s|%-5s|%*s|%*s|"_qs, L"ab", L"ab", 5, L"ab", -5,
+               L"ab");
+        const wchar_t unterminated[] = {L'a', L'b', L'c'};
+        TRACED("ab|  a|", u"%.2s|%3.*s|"_qs, unterminated, 1, unterminated);
+        TRACED("(null)|(null)", u"%s|%hs"_qs, static_cast<wchar_t*>(nullptr),
+               static_cast<char*>(nullptr));
+        TRACED(u"\u20AC|x|  y|", u"%c|%hc|%3C|"_qs, 0x20AC, 'x', 'y');
+        TRACED("ends", u"ends%chere"_qs, 0);
 
-    // Numbers of every size.
-    TRACED("-5|+5|  -5|-5  |0005|00000005", QStringLiteral("%d|%+d|%4i|%-4d|%.4d|%08d"), -5, 5, -5,
-           -5, 5, 5);
-    TRACED("4294967295|ff|0XFF|17", QStringLiteral("%u|%x|%#X|%o"), 0xFFFFFFFFU, 255, 255, 15);
-    TRACED("-1|255|-1|65535", QStringLiteral("%hhd|%hhu|%hd|%hu"), -1, -1, -1, -1);
-    TRACED("-9223372036854775808|18446744073709551615|7", QStringLiteral("%I64d|%llu|%I32d"),
-           std::numeric_limits<long long>::min(), std::numeric_limits<unsigned long long>::max(),
-           7);
-    TRACED("-3|4|5|6", QStringLiteral("%ld|%lu|%zu|%Id"), -3L, 4UL, std::size_t(5),
-           std::ptrdiff_t(6));
-    TRACED("1.50|2.5e+10|0.1|3.25", QStringLiteral("%.2f|%.1e|%g|%.2Lf"), 1.5, 2.5e10, 0.1, 3.25L);
-    TRACED("00000000DEADBEEF", QStringLiteral("%p"), reinterpret_cast<void*>(0xDEADBEEF));
+        // Numbers of every size.
+        TRACED("-5|+5|  -5|-5  |0005|00000005", u"%d|%+d|%4i|%-4d|%.4d|%08d"_qs, -5, 5, -5, -5, 5,
+               5);
+        TRACED("4294967295|ff|0XFF|17", u"%u|%x|%#X|%o"_qs, 0xFFFFFFFFU, 255, 255, 15);
+        TRACED("-1|255|-1|65535", u"%hhd|%hhu|%hd|%hu"_qs, -1, -1, -1, -1);
+        TRACED("-9223372036854775808|18446744073709551615|7", u"%I64d|%llu|%I32d"_qs,
+               std::numeric_limits<long long>::min(),
+               std::numeric_limits<unsigned long long>::max(), 7);
+        TRACED("-3|4|5|6", u"%ld|%lu|%zu|%Id"_qs, -3L, 4UL, std::size_t(5), std::ptrdiff_t(6));
+        TRACED("1.50|2.5e+10|0.1|3.25", u"%.2f|%.1e|%g|%.2Lf"_qs, 1.5, 2.5e10, 0.1, 3.25L);
+        TRACED("00000000DEADBEEF", u"%p"_qs, reinterpret_cast<void*>(0xDEADBEEF));
 
-    // What must not do harm.
-    int untouched = 1;
-    TRACED("a|b", QStringLiteral("a%n|b"), &untouched);
-    QCOMPARE(untouched, 1);
-    TRACED("100%|%y|%-5", QStringLiteral("100%%|%y|%-5"), 0);
-    _Q_TraceOld(QStringLiteral("%2147483647d"), 1);
-    QCOMPARE(takeTrace(), QString(399, u' '));
-    _Q_TraceOld(QStringLiteral("%.99999999999999999999f"), 1.0);
-    QCOMPARE(takeTrace(), QStringLiteral("1.") + QString(397, u'0'));
+        // What must not do harm.
+        int untouched = 1;
+        TRACED("a|b", u"a%n|b"_qs, &untouched);
+        QCOMPARE(untouched, 1);
+        TRACED("100%|%y|%-5", u"100%%|%y|%-5"_qs, 0);
+        _Q_TraceOld(u"%2147483647d"_qs, 1);
+        QCOMPARE(takeTrace(), QString(399, u' '));
+        _Q_TraceOld(u"%.99999999999999999999f"_qs, 1.0);
+        QCOMPARE(takeTrace(), u"1."_qs + QString(397, u'0'));
 #undef TRACED
-}
+    }
 
-void QualityTest::cutsAFormattedTrace_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("result");
-    const QString clef = QString::fromUcs4(U"\U0001D11E", 1); // two UTF-16 units
-    QTest::newRow("fits") << QString(399, u'x') << QString(399, u'x');
-    QTest::newRow("one too long") << QString(400, u'x') << QString(399, u'x');
-    QTest::newRow("very long") << QString(100000, u'x') << QString(399, u'x');
-    QTest::newRow("surrogate pairs") << clef.repeated(300) << clef.repeated(199);
-    QTest::newRow("pair that fits") << QString(397, u'x') + clef << QString(397, u'x') + clef;
-    QTest::newRow("pair at the edge") << QString(398, u'x') + clef << QString(398, u'x');
-}
+    void cutsTraces()
+    {
+        _Q_Trace(QString(400, u'x') + QString(600, u'y'), u"f"_qs, 12);
+        QCOMPARE(takeTrace(), QString(400, u'x'));
+        const QString clef = QString::fromUcs4(U"\U0001D11E", 1); // two UTF-16 units
+        const QString almost(397, u'x');
+        const std::pair<QString, QString> cases[] = {
+            {almost + u"xx"_qs, almost + u"xx"_qs},
+            {almost + u"xxx"_qs, almost + u"xx"_qs},
+            {QString(100'000, u'x'), almost + u"xx"_qs},
+            {clef.repeated(300), clef.repeated(199)},
+            {almost + clef, almost + clef},
+            {almost + u'x' + clef, almost + u'x'},
+        };
+        for (const auto& [text, result] : cases) {
+            _Q_TraceOld(u"%s"_qs, text.toStdWString().c_str());
+            QCOMPARE(takeTrace(), result);
+            _Q_TraceOld(text);
+            QCOMPARE(takeTrace(), result);
+        }
+    }
 
-void QualityTest::cutsAFormattedTrace()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, result);
-    _Q_TraceOld(QStringLiteral("%s"), text.toStdWString().c_str());
-    QCOMPARE(takeTrace(), result);
-    _Q_TraceOld(text);
-    QCOMPARE(takeTrace(), result);
-}
+private:
+    PrivateTemp m_temp;
+};
 
 QTEST_GUILESS_MAIN(QualityTest)
 #include "tst_quality.moc"
