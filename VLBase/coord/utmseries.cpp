@@ -11,9 +11,9 @@ namespace {
 constexpr double centralScale = 0.9996;
 constexpr double falseEasting = 500000;
 
-// Shorter than pi/180 and its inverse; the two differ from each other in the tenth digit.
+// Shorter than pi/180, and its inverse.
 constexpr double shortRadiansPerDegree = 0.017453292500000002;
-constexpr double shortDegreesPerRadian = 57.29577955857229;
+constexpr double shortDegreesPerRadian = 57.29577957855229;
 
 int zoneNumber(double longitude)
 {
