@@ -99,7 +99,7 @@ public:
                     unsigned long stopChannel, unsigned long channelCalculationFactor);
 
     /// Frequency of a channel, which becomes the cursor; 0.0 when the band does not start above 0
-    /// Hz, or when none of its several sub-bands has the channel.
+    /// Hz, has no sub-band at all, or several of which none has the channel.
     ///
     /// A channel below the first one leaves the cursor alone and gives the cursor's frequency. A
     /// channel above the last one of a band in one piece is computed like any other. A step width
@@ -130,7 +130,8 @@ public:
     bool GetChannelRangeWithinFreqRange(int& first, int& last, double low, double high) const;
 
     /// Whether the band, or one of its several sub-bands, reaches into a closed range of
-    /// frequencies. The limits may come in either order. A simple band always does.
+    /// frequencies. The limits may come in either order. A simple band always does, a GSM band
+    /// without a sub-band never.
     bool HasChannelsWithinFreqRange(double low, double high) const;
 
 protected:

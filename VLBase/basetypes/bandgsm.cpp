@@ -87,9 +87,8 @@ double BandGSM::GetFrequency(unsigned long channel)
 {
     ensureStepWidth();
     const auto wanted = static_cast<quint32>(channel);
-    const BandGSM* range = this;
-    if (m_subBands.size() > 1) {
-        range = nullptr;
+    const BandGSM* range = m_subBands.size() == 1 ? this : nullptr;
+    if (range == nullptr) {
         for (const SubBandGSM& sub : m_subBands) {
             if (sub.m_startChannel <= wanted && wanted <= sub.m_stopChannel)
                 range = &sub;
@@ -204,7 +203,7 @@ bool BandGSM::HasChannelsWithinFreqRange(double low, double high) const
 {
     if (m_type == BandTypeSimple)
         return true;
-    if (m_subBands.size() <= 1) {
+    if (m_subBands.size() == 1) {
         const double top = channelDistance(m_stopChannel, m_factor) * m_stepWidth + m_startFreq;
         return overlaps(m_startFreq, top, low, high);
     }

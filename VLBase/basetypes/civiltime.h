@@ -16,8 +16,9 @@ inline QChar* writeDigits(QChar* out, unsigned value, int digits)
 
 /// The instant of a local date and time. A time that a change of the clocks skips is read with the
 /// offset before the change, a time that comes twice is the first of the two: `QDateTime` leaves
-/// the former not valid, and the latter to what the C library happened to look at before. \return
-/// UTC; null for a date or time that is not valid
+/// the former not valid, and the latter to what the C library happened to look at before.
+///
+/// \return UTC; null for a date or time that is not valid
 QDateTime localToUtc(const QDate& date, const QTime& time);
 
 /// "yyyy-MM-dd hh:mm:ss" of a date-time in its own time spec, as `QDateTime::toString` writes it

@@ -32,7 +32,9 @@ public:
     static QString toDisplayString(Type value);
 
     /// The first of `values()` whose short name begins with the first word of `text`, in any case
-    /// of letters: "m" and "MHZ wide" are `MHz`. \param ok whether there is one, may be null
+    /// of letters: "m" and "MHZ wide" are `MHz`.
+    ///
+    /// \param ok whether there is one, may be null
     /// \return `Hz` when there is none
     static Type fromString(const QString& text, bool* ok = nullptr);
 

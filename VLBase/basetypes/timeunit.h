@@ -34,8 +34,10 @@ public:
     static QString toDisplayString(Type value);
 
     /// The first of `values()` whose short name begins with the first word of `text`, in any case
-    /// of letters. Thus "m" is `MilliSeconds`, and no text is `Minutes`. \param ok whether there is
-    /// one, may be null \return `NanoSeconds` when there is none
+    /// of letters. Thus "m" is `MilliSeconds`, and no text is `Minutes`.
+    ///
+    /// \param ok whether there is one, may be null
+    /// \return `NanoSeconds` when there is none
     static Type fromString(const QString& text, bool* ok = nullptr);
 
     /// The next smaller unit of `allowed`, or `value` itself. The smallest unit of all is never

@@ -28,10 +28,8 @@ template <typename Unit> int parsed(const QString& text)
 {
     bool ok = false;
     const int value = Unit::fromString(text, &ok);
-    return value != Unit::fromString(text)        ? -99
-           : ok                                   ? value
-           : value == int{Unit::values().first()} ? none
-                                                  : -98;
+    const bool isSame = value == Unit::fromString(text) && (ok || value == Unit::values().first());
+    return !isSame ? -99 : ok ? value : none;
 }
 
 } // namespace
@@ -43,13 +41,11 @@ class tst_Units : public QObject
 private slots:
     void families()
     {
-        QCOMPARE(
-            described<FrequencyUnit>(),
-            QStringLiteral("Hz=0=Hz=Hz KHz=3=kHz=kHz MHz=6=MHz=MHz GHz=9=GHz=GHz THz=12=THz=THz"));
+        QCOMPARE(described<FrequencyUnit>(),
+                 u"Hz=0=Hz=Hz KHz=3=kHz=kHz MHz=6=MHz=MHz GHz=9=GHz=GHz THz=12=THz=THz"_qs);
         QCOMPARE(described<TimeUnit>(),
-                 QStringLiteral("NanoSeconds=-9=ns=ns MicroSeconds=-6=us=\u00b5s "
-                                "MilliSeconds=-3=ms=ms Seconds=0=s=s Minutes=60=m=m "
-                                "Hours=3600=h=h Days=86400=d=d"));
+                 u"NanoSeconds=-9=ns=ns MicroSeconds=-6=us=µs MilliSeconds=-3=ms=ms Seconds=0=s=s "
+                 "Minutes=60=m=m Hours=3600=h=h Days=86400=d=d"_qs);
         QCOMPARE(described<EmptyEnum>(), QStringLiteral("Constant=0=="));
         QVERIFY(FrequencyUnit::toString(FrequencyUnit::Type(7)).isNull());
         QVERIFY(TimeUnit::toDisplayString(TimeUnit::Type(7)).isNull());
@@ -58,16 +54,11 @@ private slots:
     void lenientParsing()
     {
         const std::tuple<QString, int, int> cases[] = {
-            {QString(), none, none},
-            {QStringLiteral(" \t"), none, none},
-            {QStringLiteral("x"), none, none},
-            {QStringLiteral("  mhz extra"), 6, none},
-            {QStringLiteral("k"), 3, none},
-            {QStringLiteral("H"), 0, 3600},
-            {QStringLiteral("M s"), 6, -3},
-            {QStringLiteral("\u00a0US\u2003"), none, -6},
-            {QStringLiteral("\u00b5s"), none, none},
-            {QStringLiteral("S\nd"), none, 0},
+            {QString(), none, none},     {u" \t"_qs, none, none},
+            {u"x"_qs, none, none},       {u"  mhz extra"_qs, 6, none},
+            {u"k"_qs, 3, none},          {u"H"_qs, 0, 3600},
+            {u"M s"_qs, 6, -3},          {u"\u00a0US\u2003"_qs, none, -6},
+            {u"\u00b5s"_qs, none, none}, {u"S\nd"_qs, none, 0},
         };
         for (const auto& [text, frequency, time] : cases) {
             QCOMPARE(parsed<FrequencyUnit>(text), frequency);
@@ -81,16 +72,16 @@ private slots:
         using F = FrequencyUnit;
         using T = TimeUnit;
         const QList<F::Type>& all = F::values();
-        QCOMPARE(F::predecessor(F::KHz, all), F::KHz); // never down to the first
-        QCOMPARE(F::predecessor(F::MHz, all), F::KHz);
-        QCOMPARE(F::predecessor(F::THz, {F::Hz}), F::THz);
-        QCOMPARE(F::predecessor(F::THz, {F::KHz, F::MHz}), F::MHz);
-        QCOMPARE(F::successor(F::Hz, all), F::KHz);
-        QCOMPARE(F::successor(F::Type(7), all), F::Type(7));
-        QCOMPARE(F::predecessor(F::Type(7), all), F::Type(7));
-        QCOMPARE(T::successor(T::Days, T::values()), T::Days);
-        QCOMPARE(T::successor(T::Seconds, {T::Seconds, T::Hours}), T::Hours);
-        QCOMPARE(T::successor(T::Hours, {T::Seconds}), T::Hours);
+        // Downwards never to the first.
+        QVERIFY(F::predecessor(F::KHz, all) == F::KHz && F::predecessor(F::MHz, all) == F::KHz);
+        QVERIFY(F::predecessor(F::THz, {F::Hz}) == F::THz);
+        QVERIFY(F::predecessor(F::THz, {F::KHz, F::MHz}) == F::MHz);
+        const auto none = F::Type(7);
+        QVERIFY(F::predecessor(none, all) == none && F::successor(none, all) == none);
+        QVERIFY(F::successor(F::Hz, all) == F::KHz);
+        QVERIFY(T::successor(T::Days, T::values()) == T::Days);
+        QVERIFY(T::successor(T::Seconds, {T::Seconds, T::Hours}) == T::Hours);
+        QVERIFY(T::successor(T::Hours, {T::Seconds}) == T::Hours);
     }
 
     void translated()
@@ -98,12 +89,9 @@ private slots:
         QTranslator translator;
         QVERIFY(translator.load(QStringLiteral(":/VLBase_test.qm")));
         QVERIFY(QCoreApplication::installTranslator(&translator));
-        QCOMPARE(TimeUnit::toDisplayString(TimeUnit::MicroSeconds),
-                 QStringLiteral("\u043c\u043a\u0441"));
-        QCOMPARE(FrequencyUnit::toDisplayString(FrequencyUnit::KHz),
-                 QStringLiteral("\u043a\u0413\u0446"));
-        // What is typed and kept stays as it is.
-        QCOMPARE(TimeUnit::toString(TimeUnit::MicroSeconds), QStringLiteral("us"));
+        QCOMPARE(TimeUnit::toDisplayString(TimeUnit::MicroSeconds), u"мкс"_qs);
+        QCOMPARE(FrequencyUnit::toDisplayString(FrequencyUnit::KHz), u"кГц"_qs);
+        QCOMPARE(TimeUnit::toString(TimeUnit::MicroSeconds), u"us"_qs); // what is typed and kept
     }
 };
 
