@@ -5,8 +5,35 @@
 
 #include <QRegularExpression>
 
+#include <limits>
+
 namespace vlbase::tool::time {
 namespace {
+
+constexpr quint64 microsPerSecond = 1'000'000;
+
+/// The whole seconds since 1970. Years of more than four digits, which Qt does not read, are moved
+/// by so many times 400 years, after which the calendar and the rules of a zone repeat.
+std::optional<quint64> parseSeconds(QString text, const QString& zone)
+{
+    constexpr int cycle = 400;
+    constexpr quint64 secondsPerCycle = quint64{146'097} * 86'400;
+    static const QRegularExpression longYear(QStringLiteral("^([0-9]{5,6})-"));
+    quint64 cycles = 0;
+    if (const auto match = longYear.match(text); match.hasMatch()) {
+        const unsigned year = match.captured(1).toUInt();
+        const unsigned readable = 10'000 - cycle + year % cycle;
+        if (year < readable)
+            return std::nullopt;
+        cycles = (year - readable) / cycle;
+        text.replace(0, match.capturedLength(1), QString::number(readable));
+    }
+    Vela::DateTime instant;
+    instant.fromString(text + zone);
+    if (!instant.isValid() || instant < Vela::DateTime(quint64{0}))
+        return std::nullopt;
+    return instant.getTimeStamp() / microsPerSecond + cycles * secondsPerCycle;
+}
 
 /// "+05:45", and "Z" for UTC.
 QString offsetText(quint64 stamp)
@@ -32,8 +59,8 @@ std::optional<quint64> parseStamp(const QString& text)
     // The zone goes to the whole seconds, because the library drops one behind a fraction. The
     // fraction of a log line has a point in the middle.
     static const QRegularExpression form(
-        QStringLiteral("^\\s*([^.]+?)(?:\\.([0-9]{1,3})\\.?([0-9]*))?\\s*(Z|UTC|[+-][0-9]{2}:?[0-9]"
-                       "{2})?\\s*$"),
+        QStringLiteral("^\\s*([^.,]+?)(?:[.,]([0-9]{1,3})\\.?([0-9]*))?\\s*"
+                       "(Z|UTC|[+-][0-9]{2}:?[0-9]{2})?\\s*$"),
         QRegularExpression::CaseInsensitiveOption);
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch())
@@ -41,12 +68,12 @@ std::optional<quint64> parseStamp(const QString& text)
     QString zone = match.captured(4).toUpper();
     if (zone == u"UTC")
         zone = QStringLiteral("Z");
-    Vela::DateTime seconds;
-    seconds.fromString(match.captured(1) + zone);
-    if (!seconds.isValid() || seconds < Vela::DateTime(quint64{0}))
+    const std::optional<quint64> seconds = parseSeconds(match.captured(1), zone);
+    const QString sixDigits = (match.captured(2) + match.captured(3)).leftJustified(6, u'0', true);
+    const quint64 fraction = sixDigits.toULongLong();
+    if (!seconds || *seconds > (std::numeric_limits<quint64>::max() - fraction) / microsPerSecond)
         return std::nullopt;
-    const QString fraction = (match.captured(2) + match.captured(3)).leftJustified(6, u'0', true);
-    return seconds.getTimeStamp() + fraction.toULongLong();
+    return *seconds * microsPerSecond + fraction;
 }
 
 std::vector<std::pair<QString, QString>> stampTexts(quint64 stamp)
@@ -55,7 +82,7 @@ std::vector<std::pair<QString, QString>> stampTexts(quint64 stamp)
     const DateTime instant(stamp);
     const QString iso = QStringLiteral("yyyy-MM-ddThh:mm:ss.zzz\u00b5\u00b5\u00b5");
     TimeStamp2QString log;
-    log.toString(quint64{1'000'000}); // Otherwise the first second of 1970 had no date.
+    log.toString(microsPerSecond); // Otherwise the first second of 1970 had no date.
     return {
         {QStringLiteral("stamp"), QString::number(stamp)},
         {QStringLiteral("utc"), instant.toMSString()},
