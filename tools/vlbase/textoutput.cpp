@@ -31,8 +31,13 @@ QString wrappedParagraph(const QString& text, qsizetype width, qsizetype indent)
 bool print(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();
-    const platform::WriteResult result = platform::writeAll(
-        platform::Stream::Output, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    return print(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+}
+
+bool print(std::string_view text)
+{
+    const platform::WriteResult result =
+        platform::writeAll(platform::Stream::Output, text.data(), text.size());
     if (result == platform::WriteResult::Failed)
         printError(
             QStringLiteral("vlbase: cannot write to standard output: %1").arg(qt_error_string()));

@@ -5,7 +5,7 @@
 #include "recognizer.h"
 #include "tools/vlbase/commandline.h"
 #include "tools/vlbase/exitstatus.h"
-#include "tools/vlbase/platform/standardstreams.h"
+#include "tools/vlbase/textoutput.h"
 
 #include <QFileInfo>
 
@@ -19,9 +19,7 @@ constexpr std::size_t longestQuote = 60;
 
 bool flush(CoordWriter& writer)
 {
-    const std::string& text = writer.text();
-    const bool isWritten = platform::writeAll(platform::Stream::Output, text.data(), text.size()) ==
-                           platform::WriteResult::Done;
+    const bool isWritten = print(writer.text());
     writer.clear();
     return isWritten;
 }
@@ -64,8 +62,8 @@ public:
         m_writer.writeHeader();
         while (const auto line = source.next()) {
             ++m_number;
-            if (!convert(*line))
-                tell(progress, *line);
+            if (!convert(*line) && !tell(progress, *line))
+                return Failure;
             progress.show(source.position(), m_number);
             if (m_writer.text().size() >= outputPiece && !flush(m_writer))
                 return Failure;
@@ -100,15 +98,17 @@ private:
         return true;
     }
 
-    void tell(ProgressBar& progress, const LineSource::Line& line)
+    /// \return false when what came before the line could not be written.
+    bool tell(ProgressBar& progress, const LineSource::Line& line)
     {
         ++m_refused;
         progress.clear();
-        // What came before the line is written before it is told.
-        flush(m_writer);
+        if (!flush(m_writer))
+            return false;
         m_commandLine.tell(
             QStringLiteral("line %1: %2 %3")
                 .arg(QString::number(m_number), quoted(line.text), notAPosition(m_task)));
+        return true;
     }
 
     void tellDoubt() const
@@ -150,14 +150,13 @@ std::vector<TextAndReading> readTexts(const QStringList& texts, const Task& task
     std::vector<TextAndReading> alone;
     for (const QString& text : texts)
         alone.push_back(read(text));
-    const bool allAlone = std::all_of(alone.begin(), alone.end(), [](const TextAndReading& item) {
-        return item.reading.has_value();
-    });
-    if (allAlone)
+    const auto isRead = [](const TextAndReading& item) { return item.reading.has_value(); };
+    if (std::all_of(alone.begin(), alone.end(), isRead))
         return alone;
     // "48.8582 2.2945" without quotes is two arguments, and neither is a position.
     const TextAndReading together = read(texts.join(u' '));
-    return together.reading ? std::vector{together} : alone;
+    const bool isOneText = isRead(together) || std::none_of(alone.begin(), alone.end(), isRead);
+    return isOneText ? std::vector{together} : alone;
 }
 
 } // namespace

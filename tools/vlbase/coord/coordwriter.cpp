@@ -5,7 +5,9 @@
 #include <VLBase/coord/coordconversion.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 
 namespace vlbase::tool::coord {
@@ -51,9 +53,9 @@ void appendJsonText(std::string_view text, std::string& out)
 void appendDegrees(double degrees, std::string& out)
 {
     char number[40];
-    std::snprintf(number, sizeof number, "%.12g", degrees);
-    std::replace(number, number + sizeof number, ',', '.');
-    out += number;
+    const auto written = std::to_chars(std::begin(number), std::end(number), degrees,
+                                       std::chars_format::general, 12);
+    out.append(number, written.ptr);
 }
 
 /// The text of a position in a format; false when it has none.

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
-#include <cstdio>
 
 namespace vlbase::tool::coord {
 namespace {
@@ -179,12 +178,10 @@ std::optional<Reading> readRt90(std::string_view text, bool lettersMayLack)
         return std::nullopt;
 
     // Through the library's own text: it knows the area and the way back.
-    char formatted[48];
-    std::snprintf(formatted, sizeof formatted, "X%011.3f Y%011.3f", *northing, *easting);
+    const QString formatted = QString::asprintf("X%011.3f Y%011.3f", *northing, *easting);
     double longitude = 0;
     double latitude = 0;
-    if (StringToCoord(QString::fromLatin1(formatted), CoordFormat::Rt90, longitude, latitude) !=
-        CoordOk)
+    if (StringToCoord(formatted, CoordFormat::Rt90, longitude, latitude) != CoordOk)
         return std::nullopt;
     return Reading{Coord(longitude, latitude), CoordFormat::Rt90, nullptr};
 }

@@ -56,7 +56,9 @@ bool LineSource::fill()
 std::optional<LineSource::Line> LineSource::take(std::size_t length, std::size_t endLength,
                                                  bool isCut)
 {
-    const std::string_view text(m_buffer.data() + m_begin, length);
+    std::string_view text(m_buffer.data() + m_begin, length);
+    if (!text.empty() && text.back() == '\r')
+        text.remove_suffix(1);
     m_begin += length + endLength;
     m_taken += static_cast<qint64>(length + endLength);
     return Line{text, isCut};
