@@ -17,18 +17,25 @@ namespace {
 
 constexpr double refused = -1.0;
 
-/// The datum of a code, if a shift with these arguments is not refused.
-const Datum* usableDatum(int code, long zoneArgument)
-{
-    const Datum* datum = findDatum(codeOf(code));
-    if (datum && datum->code == 4 && !isWholeLongitude(zoneArgument))
-        return nullptr;
-    return datum;
-}
-
 bool isPosition(double latitude, double longitude)
 {
     return isWholeLatitude(wholeDegrees(latitude)) && isWholeLongitude(wholeDegrees(longitude));
+}
+
+/// Moves a position by one of the two shifts of a datum; false, with the position as it was, where
+/// that is refused.
+bool shift(GeoPoint (*shifted)(GeoPoint, const Datum&), int code, long zoneArgument,
+           double& latitude, double& longitude)
+{
+    const Datum* datum = findDatum(codeOf(code));
+    if (!datum || !isPosition(latitude, longitude))
+        return false;
+    if (datum->code == 4 && !isWholeLongitude(zoneArgument))
+        return false;
+    const GeoPoint position = shifted({latitude, longitude}, *datum);
+    latitude = position.latitude;
+    longitude = position.longitude;
+    return true;
 }
 
 } // namespace
@@ -84,42 +91,36 @@ bool CMercCoordTrans::TM2LL(double easting, double northing, int projection, lon
 double CMercCoordTrans::FromWGS84(bool wantLatitude, double latitude, double longitude, int datum,
                                   long zoneArgument) const
 {
-    double localLatitude = refused;
-    double localLongitude = refused;
-    FromWGS84(latitude, longitude, datum, zoneArgument, localLatitude, localLongitude);
-    return wantLatitude ? localLatitude : localLongitude;
+    if (!shift(shiftFromWgs84, datum, zoneArgument, latitude, longitude))
+        return refused;
+    return wantLatitude ? latitude : longitude;
 }
 
 bool CMercCoordTrans::FromWGS84(double latitude, double longitude, int datum, long zoneArgument,
                                 double& localLatitude, double& localLongitude) const
 {
-    const Datum* local = usableDatum(datum, zoneArgument);
-    if (!local || !isPosition(latitude, longitude))
+    if (!shift(shiftFromWgs84, datum, zoneArgument, latitude, longitude))
         return false;
-    const GeoPoint shifted = shiftFromWgs84({latitude, longitude}, *local);
-    localLatitude = shifted.latitude;
-    localLongitude = shifted.longitude;
+    localLatitude = latitude;
+    localLongitude = longitude;
     return true;
 }
 
 double CMercCoordTrans::ToWGS84(bool wantLatitude, double latitude, double longitude, int datum,
                                 long zoneArgument) const
 {
-    double globalLatitude = refused;
-    double globalLongitude = refused;
-    ToWGS84(latitude, longitude, datum, zoneArgument, globalLatitude, globalLongitude);
-    return wantLatitude ? globalLatitude : globalLongitude;
+    if (!shift(shiftToWgs84, datum, zoneArgument, latitude, longitude))
+        return refused;
+    return wantLatitude ? latitude : longitude;
 }
 
 bool CMercCoordTrans::ToWGS84(double latitude, double longitude, int datum, long zoneArgument,
                               double& globalLatitude, double& globalLongitude) const
 {
-    const Datum* local = usableDatum(datum, zoneArgument);
-    if (!local || !isPosition(latitude, longitude))
+    if (!shift(shiftToWgs84, datum, zoneArgument, latitude, longitude))
         return false;
-    const GeoPoint shifted = shiftToWgs84({latitude, longitude}, *local);
-    globalLatitude = shifted.latitude;
-    globalLongitude = shifted.longitude;
+    globalLatitude = latitude;
+    globalLongitude = longitude;
     return true;
 }
 
