@@ -7,6 +7,7 @@
 
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/logging/loginstance.h>
+#include <VLBase/os/terminationlistener.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -74,6 +75,10 @@ int main(int argc, char* argv[])
     const Options options = parse(application);
     std::signal(SIGINT, requestStop);
     std::signal(SIGTERM, requestStop);
+
+    const TerminationListener termination;
+    QObject::connect(&termination, &TerminationListener::terminationRequested, &application,
+                     &QCoreApplication::quit);
 
     static std::atomic<unsigned> lines{0};
     ErrorHandler::SetLogTracer(std::make_unique<CountingTracer>(options.name, lines));

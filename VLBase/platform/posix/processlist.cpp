@@ -2,9 +2,13 @@
 
 #include <VLBase/platform/processlist.h>
 
+#include <QString>
+
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <unistd.h>
 
@@ -57,6 +61,20 @@ std::string programName(int processId)
         name.compare(name.size() - mark.size(), mark.size(), mark) == 0)
         name.resize(name.size() - mark.size());
     return name;
+}
+
+bool isSameProgram(const std::string& one, const std::string& other)
+{
+    return QString::fromStdString(one).compare(QString::fromStdString(other),
+                                               Qt::CaseInsensitive) == 0;
+}
+
+int processIdOf(const _PROCESS_INFORMATION& process)
+{
+    // Two handles stand before it.
+    std::uint32_t id = 0;
+    std::memcpy(&id, reinterpret_cast<const char*>(&process) + 2 * sizeof(void*), sizeof id);
+    return static_cast<int>(id);
 }
 
 } // namespace vlbase::platform

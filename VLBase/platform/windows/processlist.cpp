@@ -35,4 +35,14 @@ std::string programName(int processId)
     return toUtf8({name.data(), length});
 }
 
+bool isSameProgram(const std::string& one, const std::string& other)
+{
+    return ::lstrcmpiW(toUtf16(one).c_str(), toUtf16(other).c_str()) == 0;
+}
+
+int processIdOf(const _PROCESS_INFORMATION& process)
+{
+    return static_cast<int>(process.dwProcessId);
+}
+
 } // namespace vlbase::platform

@@ -2,6 +2,7 @@
 #include "instance.h"
 #include "linefilter.h"
 #include "linerenderer.h"
+#include "terminationwatch.h"
 #include "tools/vlbase/commandline.h"
 #include "tools/vlbase/exitstatus.h"
 #include "tools/vlbase/platform/standardstreams.h"
@@ -160,6 +161,7 @@ int run(CommandLine& line)
         return line.tellFault();
 
     const platform::StopSignal stop;
+    const TerminationWatch termination;
     const auto started = steady_clock::now();
     const auto isOver = [&] {
         const std::chrono::duration<double> time = steady_clock::now() - started;
@@ -197,8 +199,9 @@ Command tailCommand()
     command.summary = QStringLiteral("shows the log as it grows, filtered and coloured");
     command.usage = QStringLiteral("[OPTION...]");
     command.about = QStringLiteral(
-        "Shows the lines of the shared log as they come, until Ctrl-C: time, level, station, "
-        "module and the event's fields. Without an owner it waits for one. The first viewer also "
+        "Shows the lines of the shared log as they come, until Ctrl-C or until an application has "
+        "all others of the desktop quit: time, level, station, module and the event's fields. "
+        "Without an owner it waits for one. The first viewer also "
         "shows the lines that are in the live buffer when it starts; each further one follows the "
         "owner's file, through its rotations, and so does the first one once the live buffer ran "
         "over, so every viewer sees every line.\n"
