@@ -130,16 +130,20 @@ public:
     /// Follows a change of the zone. 0 when the system cannot tell.
     virtual qint64 GetTimezoneOffset(bool withDaylight) = 0;
 
-    /// Opens a document, folder or address with the program that the user has chosen for it.
-    /// Greater than 32 on success.
+    /// Opens a document, folder or address with the program that the user has chosen for it; on
+    /// Linux by xdg-open.
+    /// \return greater than 32 on success; otherwise what was wrong, among it 2 for a file and 3
+    ///         for a folder that is not there, 5 for no access, 31 for no program chosen. Linux
+    ///         waits for the latter at most a second.
     virtual qint64 ShellExec(const QString& target) = 0;
 
     /// Plays a tone of 443 Hz for 100 ms without waiting for its end, whatever \a sound is.
     /// -1 on failure.
     virtual int SystemSound(int sound) = 0;
 
-    /// Plays the default message sound when \a sound has the value 1, otherwise a tone of 443 Hz,
-    /// and waits for its end.
+    /// Plays the default message sound when \a sound has the value 1, otherwise a tone of 443 Hz
+    /// for 100 ms, and waits for its end. On Linux only a console of the system has a tone:
+    /// elsewhere the bell of the controlling terminal rings, or that of the X display.
     virtual void Play(void* sound) = 0;
 
     /// Sends one echo request to the first address of \a host, a name or an address in UTF-8, and
@@ -164,14 +168,27 @@ public:
     /// The directory of the system's programs.
     virtual QString GetSystemPath() = 0;
 
-    // A process's window is its first visible top-level one; coordinates are pixels of the
-    // screen, of the window's normal (neither minimised nor maximised) place. The showCmd values
-    // are those of Windows' ShowWindow.
+    // A process's window is its first visible top-level one in the order in which they lie on the
+    // screen; minimised ones are visible. Coordinates are pixels of the screen, of the window with
+    // its frame in its normal (neither minimised nor maximised) place. The showCmd values are those
+    // of Windows' ShowWindow: 1 normal, 2 minimised, 3 maximised are what is read.
+    //
+    // On Linux these operations work on an X display with any window manager, or none. A window
+    // must say which process it belongs to (_NET_WM_PID), as Qt's and GTK's do; windows of
+    // Wayland alone are out of reach. No call waits for a display that hangs for longer than a few
+    // seconds. Without a display all of them fail.
 
     /// Finds where a process's window is. False, with the outputs untouched, when it has none;
     /// a window whose top is 0 also counts as none.
+    ///
+    /// X does not tell where a maximised window was before: the outputs are then where this
+    /// process has seen or put it last, and where it is now when it never has.
     virtual bool GetWindowPositions(int& left, int& top, int& right, int& bottom, int& showCmd,
                                     int processId) = 0;
+
+    /// Puts a process's window somewhere and shows, minimises, maximises or (0) hides it. Does
+    /// nothing when there is none. On Linux it waits up to a third of a second until the window is
+    /// there, and never activates it.
     virtual void SetWindowPositions(int left, int top, int right, int bottom, int showCmd,
                                     int processId) = 0;
 
@@ -233,17 +250,28 @@ public:
     /// The same with a restart.
     virtual bool RebootOS() = 0;
 
-    /// Icon number \a id of the icon library; empty when there is none.
+    /// An icon of the library "IconDll" (IconDll.dll, libIconDll.so): IDI_ICON1 for the \a id 0,
+    /// otherwise the one whose number is 100 more, as IDI_ICON105 for 5. On Linux these are Qt
+    /// resources of the library, ":/IconDll/IDI_ICON105", images of any kind. Empty when there is
+    /// none, and without a QGuiApplication.
     virtual QIcon GetIconById(int id) = 0;
 
-    // Restores a window and brings it to the front.
+    // Restores a window, brings it to the front and has it painted. The main window of a process
+    // is its first visible one that belongs to no other, as dialogs do. False when there is none
+    // and when it did not come to the front; up to ten tries are made, in half a second on Linux.
 
+    /// \a window is the window's identifier in X on Linux, which is QWidget::winId() on both.
     virtual bool SetWindowToForeground(HWND window) = 0;
-    /// The main window of the first process with this program name, in any case of letters.
+    /// The main window of the first process whose program has this file name: the whole name
+    /// ("calc.exe"), in any case of letters.
     virtual bool SetWindowToForeground(const QString& executableName) = 0;
+    /// The main window of a started process; only its identifier is looked at. Linux takes the
+    /// record of <VLBase/os/processinformation.h>.
     virtual bool SetWindowToForeground(PROCESS_INFORMATION* process) = 0;
 
-    /// Asks the other applications of the desktop to quit.
+    /// Asks the other applications of the desktop to quit, by the message "QuitApp" to their
+    /// top-level windows: a registered message on Windows, a client message on an X display. It
+    /// is up to them; TerminationListener hears it. This process does not get it.
     virtual void BroadcastTerminationMessage() = 0;
 
 protected:
