@@ -28,8 +28,8 @@ struct Icmp_Echo_Result
 /// through VelaOS::Get().
 ///
 /// No operation throws. A failure is an answer: false, -1, 0, null, an empty text; the system's
-/// code for it is then in the calling thread's GetLastError(). What is not offered on a system
-/// (yet) always fails, with the system's code for "not supported".
+/// code for it is then in the calling thread's GetLastError(). What a machine does not
+/// offer, such as windows without a display, fails with the code for "not supported".
 ///
 /// Every operation may be called from any thread. Those that return a pointer share one buffer
 /// per operation, which the next call overwrites: call them from one thread at a time.
