@@ -71,8 +71,10 @@ public:
     void remember(std::time_t instant, const LocalTime& here, long offset)
     {
         const char* text = zoneText();
-        const bool fits = std::strlen(text) < sizeof m_text;
-        std::strcpy(m_text, fits ? text : "");
+        const std::size_t size = std::strlen(text) + 1;
+        const bool fits = size <= sizeof m_text;
+        if (fits)
+            std::memcpy(m_text, text, size);
         m_quarter = fits ? instant / quarterHour : never;
         m_here = here;
         m_names[0] = ::tzname[0]; // the C library keeps one copy of each name
