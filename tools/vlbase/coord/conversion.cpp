@@ -14,7 +14,7 @@
 namespace vlbase::tool::coord {
 namespace {
 
-constexpr std::size_t outputPiece = 64 * 1024;
+constexpr std::size_t outputPiece = std::size_t{64} * 1024;
 constexpr std::size_t longestQuote = 60;
 
 bool flush(CoordWriter& writer)

@@ -9,7 +9,7 @@ namespace vlbase::tool::coord {
 namespace {
 
 // A line is held in the buffer whole; half a buffer is more than any position needs.
-constexpr std::size_t bufferSize = 256 * 1024;
+constexpr std::size_t bufferSize = std::size_t{256} * 1024;
 constexpr std::size_t longestLine = bufferSize / 2;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
