@@ -204,12 +204,16 @@ private slots:
             QVERIFY(transform.convertRt90gon(longitude, latitude, x, y));
             // Pi taken as 3.14159 shortens every angle by 8.4e-7, 5.4 to 6.4 m of the northing
             // here. The 6 e^6 of the series, where the paper has e^6, gives half a metre back.
-            const double shortfall = northing * (1 - 3.14159 / 3.141592653589793);
+            // That far in the south the meridians are further apart.
+            const double lack = 1 - 3.14159 / 3.141592653589793;
             const double sine = std::sin(latitude * 3.141592653589793 / 180);
-            const double surplus = 6378137 * 5 * std::pow(0.00669438, 3) / 6 * std::pow(sine, 3) *
-                                   std::sqrt(1 - sine * sine);
-            QVERIFY(isNear(x, northing - shortfall + surplus, 0.1));
-            QVERIFY(isNear(y, easting, 0.2));
+            const double cosine = std::sqrt(1 - sine * sine);
+            const double surplus =
+                6378137 * 5 * std::pow(0.00669438, 3) / 6 * std::pow(sine, 3) * cosine;
+            const double south = northing * lack - surplus;
+            const double stretch = south / 6378137 * sine / cosine - lack;
+            QVERIFY(isNear(x, northing - south, 0.05));
+            QVERIFY(isNear(y, easting + (easting - 1500000) * stretch, 0.01));
         }
     }
 };
