@@ -82,7 +82,7 @@ PingThread::~PingThread()
     Stop();
     wait();
     disconnect(m_receiverEnd);
-    delete m_given.load();
+    delete m_given.exchange(nullptr);
 }
 
 void PingThread::SetAddress(QString address)
@@ -109,23 +109,28 @@ void PingThread::Stop()
 
 void PingThread::run()
 {
+    QByteArray host;
+    const auto takeGiven = [this, &host] {
+        if (const std::unique_ptr<const QByteArray> given(m_given.exchange(nullptr)); given)
+            host = *given;
+    };
     while (m_isRunning) {
         const qint64 beginMs = nowMs();
-        pingOnce();
+        takeGiven();
+        pingOnce(host);
         waitForNext(beginMs);
     }
+    takeGiven(); // the last touch, from which the destructor goes on
 }
 
-void PingThread::pingOnce()
+void PingThread::pingOnce(const QByteArray& host)
 {
-    if (const std::unique_ptr<const QByteArray> given(m_given.exchange(nullptr)); given)
-        m_address = *given;
     const quint32 intervalMs = m_intervalMs;
-    if (intervalMs == 0 || m_address.isEmpty())
+    if (intervalMs == 0 || host.isEmpty())
         return;
     const vlbase::PingInterest interest(m_isRunning);
     const Icmp_Echo_Result result =
-        VelaOS::Get().Ping(4, static_cast<int>(intervalMs / 2), m_address.constData());
+        VelaOS::Get().Ping(4, static_cast<int>(intervalMs / 2), host.constData());
     // One that was given up says nothing about the host.
     const bool isGivenUp = !m_isRunning && result.replies == 0;
     if (m_intervalMs != 0 && !isGivenUp)

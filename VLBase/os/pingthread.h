@@ -91,13 +91,12 @@ protected:
 private:
     class Receiver;
 
-    void pingOnce();
+    void pingOnce(const QByteArray& host);
     void waitForNext(qint64 beginMs) const;
 
     std::shared_ptr<Receiver> m_receiver;
     QMetaObject::Connection m_receiverEnd;
-    QByteArray m_address;                            // the thread's own
-    std::atomic<const QByteArray*> m_given{nullptr}; // an address that it has not taken over yet
+    std::atomic<const QByteArray*> m_given{nullptr}; // owned; not taken over by the thread yet
     std::atomic<quint32> m_intervalMs{0};
     std::atomic<bool> m_isRunning{true};
 };

@@ -68,7 +68,7 @@ private slots:
             QCOMPARE(result.replies, 1U);
             QVERIFY(result.message.isEmpty() && result.thread == QThread::currentThread());
         }
-        QVERIFY(results[2].atMs - results[0].atMs >= 1900);
+        QVERIFY(results[2].atMs >= 1990);
 
         // From the next cycle on.
         thread.SetAddress(QStringLiteral("no-such-host.invalid:80"));
