@@ -4,6 +4,7 @@
 #include "tools/vlbase/geometry/verb.h"
 #include "tools/vlbase/log/verbs.h"
 #include "tools/vlbase/os/verb.h"
+#include "tools/vlbase/ping/verb.h"
 #include "tools/vlbase/time/verbs.h"
 
 namespace vlbase::tool {
@@ -15,7 +16,7 @@ const std::vector<Command>& allCommands()
         log::statusCommand(),   band::listCommand(), band::showCommand(),
         band::channelCommand(), band::findCommand(), band::plotCommand(),
         coord::coordCommand(),  time::timeCommand(), geometry::geometryCommand(),
-        os::osCommand(),
+        os::osCommand(),        ping::pingCommand(),
     };
     return commands;
 }
