@@ -98,7 +98,7 @@ int launchByHelper(Launch& call)
     const pid_t helper = ::clone(launch, stack.get() + stackSize, CLONE_VM | CLONE_VFORK, &call);
     const int cloneError = helper < 0 ? errno : 0;
     if (helper > 0)
-        ::waitpid(helper, nullptr, __WCLONE);
+        ::waitpid(helper, nullptr, static_cast<int>(__WCLONE));
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return cloneError != 0 ? cloneError : call.error;
 }
