@@ -9,6 +9,8 @@
 #include <QTest>
 #include <QTranslator>
 
+#include <array>
+
 namespace {
 
 const Coord stockholm(18.058275, 59.329554);
@@ -48,10 +50,8 @@ private slots:
         const char longExpression[] =
             "^(E|W)((0\\d{2}|1[0-7]\\d)°[0-5]\\d'[0-5]\\d\\.\\d{2}|180°00'00\\.00)\"\\s"
             "(N|S)([0-8]\\d°[0-5]\\d'[0-5]\\d\\.\\d{2}|90°00'00\\.00)\"$";
-        const struct
-        {
-            const char *name, *mask, *print, *input, *expression;
-        } rows[] = {
+        // Name, display mask, print format, input mask, expression.
+        const std::array<const char*, 5> rows[] = {
             {"Geo Decimal", "E###.###### N##.######", "%c%3.3d%6.6d%c%2.2d%6.6d",
              ">A999.999999 A99.999999",
              R"(^(E|W)((0\d{2}|1[0-7]\d)\.\d{6}|180.000000)\s(N|S)([0-8]\d\.\d{6}|90.000000)$)"},
@@ -73,14 +73,14 @@ private slots:
             {"", longMask, longPrint, longInput, longExpression}, // no format
         };
         int value = 0;
-        for (const auto& row : rows) {
+        for (const auto& [name, mask, print, input, expression] : rows) {
             const auto format = static_cast<CoordFormat>(value++);
-            QCOMPARE(getCoordFormatName(format), utf8(row.name));
-            QCOMPARE(getTranslatedCoordFormatName(format), utf8(row.name));
-            QCOMPARE(stockholm.GetMask(format), utf8(row.mask));
-            QCOMPARE(utf8(stockholm.GetFmt(format)), utf8(row.print));
-            QCOMPARE(stockholm.getQtMask(format), utf8(row.input));
-            QCOMPARE(stockholm.getMaskRegExp(format), utf8(row.expression));
+            QCOMPARE(getCoordFormatName(format), utf8(name));
+            QCOMPARE(getTranslatedCoordFormatName(format), utf8(name));
+            QCOMPARE(stockholm.GetMask(format), utf8(mask));
+            QCOMPARE(utf8(stockholm.GetFmt(format)), utf8(print));
+            QCOMPARE(stockholm.getQtMask(format), utf8(input));
+            QCOMPARE(stockholm.getMaskRegExp(format), utf8(expression));
         }
         const auto negative = static_cast<CoordFormat>(-1);
         QCOMPARE(getCoordFormatName(negative), QString());
@@ -96,11 +96,8 @@ private slots:
     // its expression. Where these disagree, they do so by design.
     void poursThroughOwnStrings()
     {
-        const struct
-        {
-            QString text;
-            bool fitsInputMask, matchesExpression;
-        } formats[] = {
+        // The text, whether it fits the input mask, whether it matches the expression.
+        const std::tuple<QString, bool, bool> formats[] = {
             {u"E018.058275 N59.329554"_qs, true, true},
             // The expression wants a seconds sign after each value.
             {u"E018°03'29.79 N59°19'46.39"_qs, true, false},

@@ -31,13 +31,8 @@ private slots:
     // PROJ 9.1.1, +proj=tmerc on the projection's published parameters.
     void projects()
     {
-        const struct
-        {
-            int code;
-            double latitude, longitude;
-            int meridian;
-            double easting, northing;
-        } published[] = {
+        // Code, latitude, longitude, meridian, easting, northing.
+        const std::tuple<int, double, double, int, double, double> published[] = {
             // Ordnance Survey, "A guide to coordinate systems in Great Britain", annex C.
             {1, 52 + 39 / 60.0 + 27.2531 / 3600, 1 + 43 / 60.0 + 4.5177 / 3600, 0, 651409.903,
              313177.270},
@@ -112,11 +107,8 @@ private slots:
     // the parameters of each datum; out: from WGS 84, in: to WGS 84.
     void shifts()
     {
-        const struct
-        {
-            int datum;
-            double latitude, longitude, northOut, eastOut, northIn, eastIn;
-        } computed[] = {
+        // Datum, latitude and longitude, those of the local datum, those of WGS 84.
+        const std::tuple<int, double, double, double, double, double, double> computed[] = {
             {1, 51.5, -0.1, 51.4995422106, -0.0984107875, 51.5004577211, -0.1015890674},
             {2, 53.35, -6.26, 53.3497641617, -6.2590072976, 53.3502357969, -6.2609925654},
             {4, -33.9, 151.2, -33.9000000004, 151.2, -33.8999999996, 151.2},

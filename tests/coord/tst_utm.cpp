@@ -34,12 +34,8 @@ private slots:
     // PROJ 9.1.1, +proj=utm +ellps=WGS84.
     void agreesWithProj()
     {
-        const struct
-        {
-            double latitude, longitude;
-            const char* zone;
-            double easting, northing;
-        } published[] = {
+        // Latitude, longitude, zone, easting, northing.
+        const std::tuple<double, double, const char*, double, double> published[] = {
             {52.51627, 13.3777, "33U", 389917.7576, 5819698.5824},
             {60.3913, 5.3221, "32V", 297353.9327, 6700648.3452},
             {-33.8568, 151.2153, "56H", 334900.5697, 10000000 - 3747711.2471},
@@ -60,17 +56,6 @@ private slots:
             QVERIFY(isNear(readLatitude, latitude, 2e-8));
             QVERIFY(isNear(readLongitude, longitude, longitude == 8.9 ? 1e-6 : 5e-8));
         }
-    }
-
-    // Snyder, "Map Projections: A Working Manual", page 269: Clarke 1866, 40 30' N, 73 30' W.
-    void agreesWithTheWorkedExample()
-    {
-        const Utm utm = utmOf(5, 40.5, -73.5);
-        // The table's radius lacks 0.4 m of 6378206.4 m: that much of the arc, and of the
-        // distance from the central meridian. Its eccentricity is that of the book.
-        const double lack = 0.4 / 6378206.4;
-        QVERIFY(isNear(utm.northing, 4484124.4 * (1 - lack), 0.06));
-        QVERIFY(isNear(utm.easting, 500000 + 127106.5 * (1 - lack), 0.06));
     }
 
     // PROJ 9.1.1 on its own ellipsoids, +proj=utm +zone=55 +south. Theirs have fractions of metres.
