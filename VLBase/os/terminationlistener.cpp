@@ -2,6 +2,7 @@
 
 #include <VLBase/platform/quitbroadcast.h>
 
+#include <QPointer>
 #include <QSocketNotifier>
 
 TerminationListener::TerminationListener(QObject* parent)
@@ -24,7 +25,8 @@ bool TerminationListener::isListening() const
 
 void TerminationListener::read()
 {
+    const QPointer<TerminationListener> self(this); // which a slot may delete
     m_listener->read();
-    if (!m_listener->isListening())
+    if (self && !m_listener->isListening())
         m_notifier->setEnabled(false);
 }

@@ -116,7 +116,8 @@ std::optional<int> processOf(X11Display& display, xcb_window_t window)
 {
     const auto id = display.numbers(window, display.atom(X11Name::ProcessId), XCB_ATOM_CARDINAL);
     // The same number on another machine, whose windows are shown here, is another process.
-    if (id.empty() || display.text(window, display.atom(X11Name::ClientMachine)) != machineName())
+    if (id.empty() || id.front() == 0 ||
+        display.text(window, display.atom(X11Name::ClientMachine)) != machineName())
         return std::nullopt;
     return static_cast<int>(id.front());
 }

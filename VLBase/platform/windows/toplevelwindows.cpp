@@ -34,7 +34,7 @@ bool isOfProcess(HWND window, int processId)
 {
     DWORD owner = 0;
     ::GetWindowThreadProcessId(window, &owner);
-    return owner == static_cast<DWORD>(processId);
+    return owner != 0 && owner == static_cast<DWORD>(processId); // 0: it has gone meanwhile
 }
 
 HWND firstVisibleWindowOf(int processId)
