@@ -6,6 +6,29 @@
 
 namespace vlbase::basetypes {
 
+/// The one character at which a tokenizer cuts, which is the usual case.
+template <typename Unit> class Delimiter
+{
+public:
+    explicit Delimiter(Unit unit)
+        : m_unit(unit)
+    {
+    }
+
+    bool contains(Unit unit) const { return unit == m_unit; }
+
+    /// The first delimiter of a range, or its end. Fields are short: an unrolled loop takes longer.
+    const Unit* find(const Unit* from, const Unit* end) const
+    {
+        while (from != end && *from != m_unit)
+            ++from;
+        return from;
+    }
+
+private:
+    Unit m_unit;
+};
+
 /// The set of characters at which a tokenizer cuts. `Unit` is an unsigned character type.
 template <typename Unit> class Delimiters
 {
@@ -15,8 +38,7 @@ public:
         : m_units(units)
         , m_count(count)
     {
-        // A single one is compared with, which is faster.
-        for (std::size_t i = 0; i < count && count > 1; ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             if (units[i] < asciiCount)
                 m_ascii[units[i] >> 6] |= std::uint64_t{1} << (units[i] & 63);
             else
@@ -26,8 +48,6 @@ public:
 
     bool contains(Unit unit) const
     {
-        if (m_count == 1)
-            return unit == m_units[0];
         if (unit < asciiCount)
             return (m_ascii[unit >> 6] >> (unit & 63) & 1) != 0;
         return !m_onlyAscii && containsRare(unit);
@@ -36,8 +56,6 @@ public:
     /// The first delimiter of a range, or its end.
     const Unit* find(const Unit* from, const Unit* end) const
     {
-        if (m_count == 1)
-            return std::find(from, end, m_units[0]);
         return std::find_if(from, end, [this](Unit unit) { return contains(unit); });
     }
 
@@ -57,13 +75,22 @@ private:
 
 /// One step of a tokenizer: skips one delimiter, then takes all that is none.
 /// \return the start of the token; `position` is left behind its end.
-template <typename Unit>
-const Unit* takeToken(const Unit*& position, const Unit* end, const Delimiters<Unit>& delimiters)
+template <typename Unit, typename Set>
+const Unit* takeToken(const Unit*& position, const Unit* end, const Set& delimiters)
 {
     // One only, also of a run: each further one ends an empty token.
     const Unit* start = delimiters.contains(*position) ? position + 1 : position;
     position = delimiters.find(start, end);
     return start;
+}
+
+template <typename Unit>
+const Unit* takeToken(const Unit*& position, const Unit* end, const Unit* delimiters,
+                      std::size_t count)
+{
+    if (count == 1)
+        return takeToken(position, end, Delimiter<Unit>(*delimiters));
+    return takeToken(position, end, Delimiters<Unit>(delimiters, count));
 }
 
 } // namespace vlbase::basetypes

@@ -14,7 +14,6 @@ namespace Vela {
 
 namespace {
 
-using vlbase::basetypes::Delimiters;
 using vlbase::basetypes::takeToken;
 
 constexpr unsigned int assertionBit = 2;
@@ -105,8 +104,8 @@ QString Tokenizer::next(QStringView delimiters)
     const auto* end = reinterpret_cast<const char16_t*>(m_text->constData() + m_text->size());
     if (position >= end)
         return QString();
-    const Delimiters<char16_t> set(delimiters.utf16(), static_cast<std::size_t>(delimiters.size()));
-    const char16_t* start = takeToken(position, end, set);
+    const char16_t* start =
+        takeToken(position, end, delimiters.utf16(), static_cast<std::size_t>(delimiters.size()));
     m_position = reinterpret_cast<const QChar*>(position);
     return QString(reinterpret_cast<const QChar*>(start), position - start);
 }
@@ -125,7 +124,7 @@ std::string CTokenizer::operator()(const char* delimiters)
     if (position >= end)
         return std::string();
     const std::string_view set(delimiters ? delimiters : "");
-    const Byte* start = takeToken(position, end, Delimiters<Byte>(bytes(set.data()), set.size()));
+    const Byte* start = takeToken(position, end, bytes(set.data()), set.size());
     m_position = reinterpret_cast<const char*>(position);
     return std::string(start, position);
 }

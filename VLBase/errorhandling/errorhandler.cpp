@@ -133,7 +133,7 @@ ErrorHandler::ErrorHandler()
         SLOT(sl_protocolMessage(QString, QString, QString, QString, std::uint16_t, std::uint8_t)),
         Qt::QueuedConnection);
     qAddPostRoutine(&ErrorHandler::DeliverQueued);
-    TurnLogFileOn();
+    ErrorHandler::TurnLogFileOn();
 }
 
 ErrorHandler::~ErrorHandler() = default;

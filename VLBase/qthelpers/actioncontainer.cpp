@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace QActionHelpers {
 
@@ -74,11 +75,11 @@ ActionContainer* ActionContainer::addSeparator()
 
 QList<QAction*> ActionContainer::actions(int role, bool withSeparators) const
 {
-    const QList<QAction*> all = entries();
+    QList<QAction*> all = entries();
     if (withSeparators && role == 0)
         return all;
     QList<QAction*> selected;
-    for (QAction* action : all) {
+    for (QAction* action : std::as_const(all)) {
         const bool inside = withSeparators && action->isSeparator() && !selected.isEmpty();
         if (roleOf(action) == role || inside)
             selected.append(action);

@@ -174,18 +174,6 @@ private Q_SLOTS:
         QVERIFY(!textLog().startsWith(entry));
     }
 
-    void survivesALogFileThatCannotBe()
-    {
-        QTest::failOnWarning(QRegularExpression(u"."_qs));
-        const QDir directory(m_temp.path());
-        QVERIFY(directory.mkdir(u"Logger.txt"_qs));
-        handler().TurnLogFileOn();
-        QVERIFY(directory.rmdir(u"Logger.txt"_qs));
-        QVERIFY(!handler().GetLogFile()->isOpen());
-        handler().ProtocolException(exceptionOf(u"r"_qs));
-        QCOMPARE(recorded(), 1);
-    }
-
     void dropsReportsWhileBlocked()
     {
         const ErrorHandler::ExceptionBlocker outer;

@@ -40,6 +40,13 @@ class QualityTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup()
+    {
+        ErrorHandler::SetMessageDlg(nullptr);
+        ErrorHandler::SetLogTracer(nullptr);
+        ErrorHandler::Instance().GetMessages()->DeleteMessageList();
+    }
+
     void rendersEveryFormatAndLevel()
     {
         const QString record = u"@re@son@a/b@42@C@m@09:05:07"_qs;
@@ -141,8 +148,7 @@ private Q_SLOTS:
 
     void reportsAFailedContract()
     {
-        TracerLog log;
-        ErrorHandler::SetLogTracer(std::make_unique<RecordingTracer>(log));
+        ErrorHandler::SetLogTracer(std::make_unique<RecordingTracer>(m_log));
         ErrorHandler::Interface()->ProtocolException(VLException()); // with the configuration
         const std::tuple<void (*)(), QString, QString> cases[] = {
             {[] { _Q_require(L"a/b", 65535); }, u"REQUIREMENT FAILED"_qs, u"a/b"_qs},
@@ -155,18 +161,16 @@ private Q_SLOTS:
             QStringList posted;
             ErrorHandler::SetMessageDlg(
                 std::make_unique<NotingDialog>([&posted](const QString& note) { posted += note; }));
-            log.sent.clear();
+            m_log.sent.clear();
             check(); // recorded before it returns, without an event loop
-            QCOMPARE(log.sent.size(), 1);
-            QVERIFY(log.sent.first().startsWith(u"!@%1@%2@65535@@@"_qs.arg(reason, file)));
+            QCOMPARE(m_log.sent.size(), 1);
+            QVERIFY(m_log.sent.first().startsWith(u"!@%1@%2@65535@@@"_qs.arg(reason, file)));
             QCOMPARE(posted, QStringList(u"PostException(%1@%2@@@65535@4294967295,1,00,-1)"_qs.arg(
                                  reason, file)));
             ErrorHandler::SetMessageDlg(nullptr);
             check();
-            QCOMPARE(log.sent.size(), 2);
+            QCOMPARE(m_log.sent.size(), 2);
         }
-        ErrorHandler::SetLogTracer(nullptr);
-        ErrorHandler::Instance().GetMessages()->DeleteMessageList();
     }
 
     void formatsLikeWidePrintf()
@@ -235,6 +239,7 @@ private Q_SLOTS:
 
 private:
     PrivateTemp m_temp;
+    TracerLog m_log;
 };
 
 QTEST_GUILESS_MAIN(QualityTest)

@@ -31,13 +31,14 @@ class TextFileTest : public QObject
 
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void cleanup() { ErrorHandler::SetLogTracer(nullptr); }
 
     void refusesAMissingFile()
     {
         for (const bool traced : {true, false}) {
             const QString path = m_temp.filePath(u"missing"_qs);
-            TracerLog log;
-            ErrorHandler::SetLogTracer(std::make_unique<RecordingTracer>(log));
+            m_log = TracerLog();
+            ErrorHandler::SetLogTracer(std::make_unique<RecordingTracer>(m_log));
             ErrorHandler::Instance().SetMessageMask(32, traced);
             try {
                 const VLTextFile file(path, false);
@@ -54,8 +55,8 @@ private Q_SLOTS:
             ErrorHandler::Instance().SetMessageMask(32, true);
             QVERIFY(!QFile::exists(path));
             const QString trace = u"3@%1@errorhandling/vltextfile@37@@@"_qs.arg(path);
-            QCOMPARE(log.sent.filter(u"errorhandling/vltextfile"_qs).size(), traced ? 1 : 0);
-            QCOMPARE(log.sent.filter(trace).size(), traced ? 1 : 0);
+            QCOMPARE(m_log.sent.filter(u"errorhandling/vltextfile"_qs).size(), traced ? 1 : 0);
+            QCOMPARE(m_log.sent.filter(trace).size(), traced ? 1 : 0);
         }
     }
 
@@ -136,6 +137,7 @@ private Q_SLOTS:
 
 private:
     PrivateTemp m_temp;
+    TracerLog m_log;
 };
 
 QTEST_GUILESS_MAIN(TextFileTest)

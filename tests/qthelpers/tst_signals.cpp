@@ -70,9 +70,10 @@ private Q_SLOTS:
         QVERIFY(delay<void(double)>(sender, "2real(double)", receiver, 0, queued));
         QVERIFY(delay<Text>(sender, "2text(const QString&)", receiver, 0, queued));
         QVERIFY(delay<void(QAction*)>(sender, SIGNAL(action(QAction*)), receiver, 0, queued));
-        QList<QVariantList> heard;
+        QVariantList heard;
         const auto hear = [&heard](const auto&... values) {
-            heard.append(QVariantList{QVariant::fromValue(values)...});
+            heard += sizeof...(values) ? QVariantList{QVariant::fromValue(values)...}
+                                       : QVariantList{u"plain"_qs};
         };
         const auto join = [&](auto* signature, const char* signal) {
             using Signature = std::remove_pointer_t<decltype(signature)>;
@@ -101,15 +102,16 @@ private Q_SLOTS:
         Q_EMIT receiver.longInteger(7L);
         Q_EMIT receiver.object(&model);
         Q_EMIT receiver.indexes(model.index(0, 0), model.index(1, 0));
-        const QList<QVariantList> expected{{},
-                                           {true},
-                                           {5},
-                                           {0.5},
-                                           {u"last"_qs},
-                                           {QVariant::fromValue(&action)},
-                                           {QVariant::fromValue(7L)},
-                                           {QVariant::fromValue<QObject*>(&model)},
-                                           {model.index(0, 0), model.index(1, 0)}};
+        const QVariantList expected{u"plain"_qs,
+                                    true,
+                                    5,
+                                    0.5,
+                                    u"last"_qs,
+                                    QVariant::fromValue(&action),
+                                    QVariant::fromValue(7L),
+                                    QVariant::fromValue<QObject*>(&model),
+                                    model.index(0, 0),
+                                    model.index(1, 0)};
         QCOMPARE(heard, expected);
     }
 
@@ -173,13 +175,11 @@ private Q_SLOTS:
     {
         Emitter emitter;
         QList<int> sums; // of a function that keeps a state
-        const std::unique_ptr<SignalHandler> handler(SignalHandler::createHandler<void(int)>(
-            [&sums, sum = 0](int value) mutable { sums.append(sum += value); }, nullptr));
-        QVERIFY(connect(&emitter, SIGNAL(plain()), handler.get(), SLOT(onSignal())));
-        QVERIFY(connect(&emitter, SIGNAL(real(double)), handler.get(), SLOT(onSignal(double))));
-        QVERIFY(connect(&emitter, SIGNAL(integer(int)), handler.get(), SLOT(onSignal(int))));
+        auto* handler = SignalHandler::connectHandler<void(int)>(
+            &emitter, SIGNAL(integer(int)),
+            [&sums, sum = 0](int value) mutable { sums.append(sum += value); });
+        QVERIFY(connect(&emitter, SIGNAL(plain()), handler, SLOT(onSignal())));
         Q_EMIT emitter.plain();
-        Q_EMIT emitter.real(1.0);
         for (const int value : {1, 2, 3})
             Q_EMIT emitter.integer(value);
         QCOMPARE(sums, QList<int>({1, 3, 6}));
@@ -342,10 +342,8 @@ private Q_SLOTS:
             return stops;
         };
         EventFilter filter(see, nullptr);
-        QEvent event(QEvent::Close); // which an object does not take
-        QCoreApplication::sendEvent(&watched, &event);
-        QVERIFY(seen.isEmpty());
         watched.installEventFilter(&filter);
+        QEvent event(QEvent::Close); // which an object does not take
         for (const bool stop : {false, true}) {
             stops = stop;
             QCOMPARE(QCoreApplication::sendEvent(&watched, &event), stop);

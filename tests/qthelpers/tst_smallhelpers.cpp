@@ -58,13 +58,10 @@ private Q_SLOTS:
     {
         const std::pair<int, QString> cases[] = {
             {0, u"The connection was refused by the peer (or timed out)."_qs},
-            {7, u"An error occurred with the network (e.g., the network cable was accidentally "
-                "plugged out)."_qs},
             {15, u"The connection to the proxy server was closed unexpectedly(before the "
                  "connection to the final peer was established)."_qs},
             {18, u"The connection negotiation with the proxy server because the response from the "
                  "proxy server could not be understood."_qs},
-            {-1, u"An unidentified error occurred."_qs},
             {19, u"An unidentified error occurred."_qs},
         };
         for (const auto& [error, text] : cases) {

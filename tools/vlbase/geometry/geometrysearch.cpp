@@ -9,7 +9,7 @@
 namespace vlbase::tool::geometry {
 namespace {
 
-constexpr qsizetype mostBytes = 16 * 1024 * 1024;
+constexpr qsizetype mostBytes = qsizetype{16} * 1024 * 1024;
 
 /// What every geometry begins with.
 bool isRecord(const QByteArray& bytes)

@@ -45,7 +45,7 @@ QString flagText(unsigned char flag)
 
 QString versionText(const GeometryArrayParser& parser)
 {
-    const QString version =
+    QString version =
         QStringLiteral("%1.%2").arg(parser.majorVersion()).arg(parser.minorVersion());
     if (parser.isValid())
         return version;
