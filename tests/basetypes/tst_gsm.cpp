@@ -30,7 +30,7 @@ private slots:
         for (const auto& expected : published) {
             for (const double shift : {0.0, expected.duplexMHz}) {
                 const auto entry = static_cast<GSM::EGSMBand>(index++);
-                Band band = plan.GetBand(entry);
+                Band band = plan.GetBand(static_cast<unsigned>(entry));
                 QCOMPARE(band.GetName(),
                          QLatin1String(expected.name) + QLatin1String(shift > 0 ? " Down" : " Up"));
                 const auto hertz = [&](unsigned long n) {

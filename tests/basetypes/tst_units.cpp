@@ -76,8 +76,8 @@ private slots:
         QVERIFY(F::predecessor(F::KHz, all) == F::KHz && F::predecessor(F::MHz, all) == F::KHz);
         QVERIFY(F::predecessor(F::THz, {F::Hz}) == F::THz);
         QVERIFY(F::predecessor(F::THz, {F::KHz, F::MHz}) == F::MHz);
-        const auto none = F::Type(7);
-        QVERIFY(F::predecessor(none, all) == none && F::successor(none, all) == none);
+        const auto unknown = F::Type(7);
+        QVERIFY(F::predecessor(unknown, all) == unknown && F::successor(unknown, all) == unknown);
         QVERIFY(F::successor(F::Hz, all) == F::KHz);
         QVERIFY(T::successor(T::Days, T::values()) == T::Days);
         QVERIFY(T::successor(T::Seconds, {T::Seconds, T::Hours}) == T::Hours);
