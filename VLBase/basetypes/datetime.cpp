@@ -59,15 +59,8 @@ quint64 stampOf(const QDateTime& dateTime, int microseconds)
 /// The microseconds of a fraction such as ".25". An exponent can make them more than a second.
 int parseFraction(const QString& fraction)
 {
-    const double seconds = fraction.toDouble();
-    const double exact = seconds * microsPerSecond;
-    if (!(exact < std::numeric_limits<int>::max()))
-        return 0;
-    // The nearest double to .000251 lies below it: cutting the product off would lose a microsecond
-    // of one in ninety fractions that have six digits.
-    const double nearest = std::round(exact);
-    const bool isWhole = nearest / microsPerSecond == seconds;
-    return static_cast<int>(isWhole ? nearest : std::trunc(exact));
+    const double micros = fraction.toDouble() * microsPerSecond;
+    return micros < std::numeric_limits<int>::max() ? static_cast<int>(micros) : 0;
 }
 
 QString padded(int value, int digits)

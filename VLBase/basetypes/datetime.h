@@ -87,7 +87,9 @@ public:
     ///
     /// Without a zone it is local time, and shown as such from now on. What follows the first point
     /// is the fraction and nothing else: a zone behind it makes it no number, and both are lost
-    /// ("12:00:00.5Z" is 12 o'clock local time). Text that is no date makes the object not valid.
+    /// ("12:00:00.5Z" is 12 o'clock local time). It is read as a double and cut off behind the
+    /// microsecond, which makes ".000251" 250 of them: one in ninety fractions of six digits loses
+    /// its last. Text that is no date makes the object not valid.
     /// \return the time stamp, as `getTimeStamp`
     quint64 fromString(const QString& text);
 
