@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Chooses a log of the test's own, a new one for each call.
@@ -20,6 +21,15 @@ inline QString useOwnLog()
 
 /// Descriptors and mappings, or handles, of this process.
 int countOfOpenResources();
+
+/// The lines of a pack, each ended by a zero byte; empty ones included.
+inline std::vector<std::string> linesOf(std::string_view pack)
+{
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < pack.size(); at += lines.back().size() + 1)
+        lines.emplace_back(pack.data() + at);
+    return lines;
+}
 
 /// What an owner or a program of its own role sees.
 class TestShared : public CMMShared
@@ -38,16 +48,20 @@ public:
     using CMMShared::SetFileName;
     using CMMShared::SetIndex;
 
-    /// The lines of a half; empty ones included.
-    std::vector<std::string> lines(int half)
+    std::vector<std::string> lines(int half, bool taken = false)
     {
         const Lock lock(this);
+        const auto result = linesOf(pack(half));
+        if (taken)
+            ReleaseBuffer();
+        return result;
+    }
+    /// The bytes of a half.
+    std::string_view pack(int half)
+    {
         char* data = nullptr;
         long length = 0;
         GetBuffer(half, &data, &length);
-        std::vector<std::string> result;
-        for (const char* line = data; line < data + length; line += result.back().size() + 1)
-            result.emplace_back(line);
-        return result;
+        return {data, static_cast<std::size_t>(length)};
     }
 };

@@ -91,12 +91,9 @@ class tst_LineLedger : public QObject
     Q_OBJECT
 
 private slots:
-    void bothKinds_data();
     void bothKinds();
     void sealsOnly();
-    void gapOfPeriods();
     void resume();
-    void account_data();
     void account();
 };
 
@@ -107,59 +104,51 @@ private slots:
         QCOMPARE(j.lostBefore, std::uint64_t(lost));                                               \
     } while (false)
 
-void tst_LineLedger::bothKinds_data()
-{
-    QTest::addColumn<bool>("seals");
-    QTest::newRow("with seals") << true;
-    QTest::newRow("by number") << false;
-}
-
 void tst_LineLedger::bothKinds()
 {
-    QFETCH(bool, seals);
-    TestLog log(seals);
-    LineLedger ledger(log.reserve());
-    ledger.startAtBeginning();
-    QCOMPARE(ledger.lostUpTo(log.index()), 0u);
-    const std::string first = log.line();
-    ACCEPTED(ledger.judge(first), 0);
-    QCOMPARE(ledger.judge(first).verdict, Verdict::Repeated);
-    const std::string late = log.line();
-    log.lose(2);
-    ACCEPTED(ledger.judge(log.line()), 3);
-    QCOMPARE(ledger.judge(late).verdict, Verdict::Repeated); // it was counted
-    ACCEPTED(ledger.judge("no number"), 0);
-    ACCEPTED(ledger.judge("999999\tnever given out"), 0);
-    ACCEPTED(ledger.judge("100005 no tab"), 0);
-    ACCEPTED(ledger.judge(log.foreignLine()), 0);
-    log.lose(7);
-    QCOMPARE(ledger.lostUpTo(log.index()), 7u);
-    QCOMPARE(ledger.lostUpTo(log.index()), 0u);
+    for (const bool seals : {true, false}) {
+        TestLog log(seals);
+        LineLedger ledger(log.reserve());
+        ledger.startAtBeginning();
+        QCOMPARE(ledger.lostUpTo(log.index()), 0u);
+        const std::string first = log.line();
+        ACCEPTED(ledger.judge(first), 0);
+        QCOMPARE(ledger.judge(first).verdict, Verdict::Repeated);
+        const std::string late = log.line();
+        log.lose(2);
+        ACCEPTED(ledger.judge(log.line()), 3);
+        QCOMPARE(ledger.judge(late).verdict, Verdict::Repeated); // it was counted
+        ACCEPTED(ledger.judge("no number"), 0);
+        ACCEPTED(ledger.judge("999999\tnever given out"), 0);
+        ACCEPTED(ledger.judge("100005 no tab"), 0);
+        ACCEPTED(ledger.judge(log.foreignLine()), 0);
+        log.lose(7);
+        QCOMPARE(ledger.lostUpTo(log.index()), 7u);
+        QCOMPARE(ledger.lostUpTo(log.index()), 0u);
 
-    // Over the end of the period, where 100000 comes twice.
-    const auto loseUpTo = [&](long number) {
-        std::uint64_t lost = 0;
-        while (log.index() < number) {
-            log.lose(static_cast<std::uint64_t>(std::min(number - log.index(), 700000L)));
-            lost += ledger.lostUpTo(log.index());
+        // Over the end of the period, where 100000 comes twice; then with each of the two missing.
+        const auto loseUpTo = [&](long number) {
+            std::uint64_t lost = 0;
+            while (log.index() < number) {
+                log.lose(static_cast<std::uint64_t>(std::min(number - log.index(), 700000L)));
+                lost += ledger.lostUpTo(log.index());
+            }
+            return lost;
+        };
+        const auto remaining = static_cast<std::uint64_t>(999998 - log.index());
+        QCOMPARE(loseUpTo(999998), remaining);
+        for (const char* start : {"999998\t", "100000\t", "100000\t", "100001\t"}) {
+            const std::string line = log.line();
+            QCOMPARE(line.substr(0, 7), std::string(start));
+            ACCEPTED(ledger.judge(line), 0);
         }
-        return lost;
-    };
-    const auto remaining = static_cast<std::uint64_t>(999997 - log.index());
-    QCOMPARE(loseUpTo(999997), remaining);
-    ACCEPTED(ledger.judge(log.line()), 0);
-    for (const char* start : {"999998\t", "100000\t", "100000\t", "100001\t"}) {
-        const std::string line = log.line();
-        QCOMPARE(line.substr(0, 7), std::string(start));
-        ACCEPTED(ledger.judge(line), 0);
-    }
-    // Once more, with each of the two 100000 missing.
-    for (const int missing : {0, 1}) {
-        loseUpTo(999998);
-        ACCEPTED(ledger.judge(log.line()), 0);
-        std::string twice[2] = {log.line(), log.line()};
-        const std::uint64_t before = ledger.judge(twice[1 - missing]).lostBefore;
-        QCOMPARE(before + ledger.judge(log.line()).lostBefore, 1u);
+        for (const int missing : {0, 1}) {
+            loseUpTo(999998);
+            ACCEPTED(ledger.judge(log.line()), 0);
+            const std::string twice[2] = {log.line(), log.line()};
+            const std::uint64_t before = ledger.judge(twice[1 - missing]).lostBefore;
+            QCOMPARE(before + ledger.judge(log.line()).lostBefore, 1u);
+        }
     }
 }
 
@@ -185,15 +174,8 @@ void tst_LineLedger::sealsOnly()
     QCOMPARE(ledger.judge(first).verdict, Verdict::Repeated);
     ACCEPTED(ledger.judge(log.injected("777777\tfrom elsewhere")), 0);
     ACCEPTED(ledger.judge(log.line()), 0);
-}
 
-// More than a whole period went by unseen.
-void tst_LineLedger::gapOfPeriods()
-{
-    TestLog log(true);
-    LineLedger ledger(log.reserve());
-    ledger.startAtBeginning();
-    ledger.judge(log.line());
+    // More than a whole period goes by unseen.
     log.lose(2000000);
     ACCEPTED(ledger.judge(log.line()), 2000000);
     const std::string overtaken = log.line();
@@ -227,66 +209,62 @@ void tst_LineLedger::resume()
     ACCEPTED(unknown.judge(lines[4]), 0);
 }
 
-void tst_LineLedger::account_data()
-{
-    bothKinds_data();
-}
-
 // Whatever happens to the lines on their way: accepted and lost together are what was consumed.
 void tst_LineLedger::account()
 {
-    QFETCH(bool, seals);
-    std::mt19937 random(7);
-    TestLog log(seals);
-    LineLedger ledger(log.reserve());
-    ledger.startAtBeginning();
-    std::uint64_t lost = 0;
-    std::uint64_t injectedSeen = 0;
-    std::multiset<std::string> accepted;
-    std::deque<std::string> recent;
-    const auto deliver = [&](const std::string& line) {
-        const LineLedger::Judgement judgement = ledger.judge(line);
-        lost += judgement.lostBefore;
-        if (judgement.verdict == Verdict::Accept)
-            accepted.insert(line);
-    };
-    for (int step = 0; step < 300000; ++step) {
-        switch (random() % 16) {
-        case 0:
-            log.lose(random() % 50);
-            break;
-        case 1: // torn, which only seals can tell
-            if (seals) {
-                std::string line = log.line();
-                line[7 + random() % (line.size() - 7)] ^= 0x10;
-                deliver(line);
-                QVERIFY(accepted.count(line) == 0);
+    for (const bool seals : {true, false}) {
+        std::mt19937 random(7);
+        TestLog log(seals);
+        LineLedger ledger(log.reserve());
+        ledger.startAtBeginning();
+        std::uint64_t lost = 0;
+        std::uint64_t injectedSeen = 0;
+        std::multiset<std::string> accepted;
+        std::deque<std::string> recent;
+        const auto deliver = [&](const std::string& line) {
+            const LineLedger::Judgement judgement = ledger.judge(line);
+            lost += judgement.lostBefore;
+            if (judgement.verdict == Verdict::Accept)
+                accepted.insert(line);
+        };
+        for (int step = 0; step < 300000; ++step) {
+            switch (random() % 16) {
+            case 0:
+                log.lose(random() % 50);
+                break;
+            case 1: // torn, which only seals can tell
+                if (seals) {
+                    std::string line = log.line();
+                    line[7 + random() % (line.size() - 7)] ^= 0x10;
+                    deliver(line);
+                    QVERIFY(accepted.count(line) == 0);
+                }
+                break;
+            case 2: // too late
+                recent.push_back(log.line());
+                break;
+            case 3:
+                if (!recent.empty())
+                    deliver(recent[random() % recent.size()]);
+                break;
+            case 4:
+                if (seals && !accepted.empty()) {
+                    deliver(log.injected(*accepted.rbegin() + "injected"));
+                    ++injectedSeen;
+                }
+                break;
+            default:
+                recent.push_back(log.line());
+                deliver(recent.back());
             }
-            break;
-        case 2: // too late
-            recent.push_back(log.line());
-            break;
-        case 3:
-            if (!recent.empty())
-                deliver(recent[random() % recent.size()]);
-            break;
-        case 4:
-            if (seals && !accepted.empty()) {
-                deliver(log.injected(*accepted.rbegin() + "injected"));
-                ++injectedSeen;
-            }
-            break;
-        default:
-            recent.push_back(log.line());
-            deliver(recent.back());
+            if (recent.size() > 20)
+                recent.pop_front();
         }
-        if (recent.size() > 20)
-            recent.pop_front();
+        lost += ledger.lostUpTo(log.index());
+        QCOMPARE(accepted.size() - injectedSeen + lost, log.consumed());
+        QCOMPARE(std::set<std::string>(accepted.begin(), accepted.end()).size(), accepted.size());
+        QVERIFY(lost > 100000 && accepted.size() > 100000);
     }
-    lost += ledger.lostUpTo(log.index());
-    QCOMPARE(accepted.size() - injectedSeen + lost, log.consumed());
-    QCOMPARE(std::set<std::string>(accepted.begin(), accepted.end()).size(), accepted.size());
-    QVERIFY(lost > 100000 && accepted.size() > 100000);
 }
 
 QTEST_GUILESS_MAIN(tst_LineLedger)

@@ -84,27 +84,18 @@ class tst_LogImage : public QObject
     Q_OBJECT
 
 private slots:
-    void appendLikeTheContract_data();
     void appendLikeTheContract();
     void numbers();
     void keepNewest();
     void repair();
-    void wildFill();
 };
-
-void tst_LogImage::appendLikeTheContract_data()
-{
-    QTest::addColumn<bool>("damaged");
-    QTest::newRow("whole lines") << false;
-    QTest::newRow("any content") << true;
-}
 
 void tst_LogImage::appendLikeTheContract()
 {
-    QFETCH(bool, damaged);
     std::mt19937 random(20240517);
     const auto upTo = [&random](int most) { return static_cast<int>(random() % (most + 1u)); };
-    for (int round = 0; round < 3000; ++round) {
+    for (int round = 0; round < 6000; ++round) {
+        const bool damaged = round % 2 == 0; // any content, or whole lines
         const int size = 1 + upTo(60);
         TestImage own(size);
         PlainHalf plain[2];
@@ -145,54 +136,47 @@ void tst_LogImage::numbers()
 
 void tst_LogImage::keepNewest()
 {
-    TestImage own(100);
-    for (const char* line : {"1", "22", "333", "4444"})
-        own.image.append(0, line);
-    const std::string all("1\0"
-                          "22\0"
-                          "333\0"
-                          "4444\0",
-                          14);
     for (int bytes = 14; bytes >= 0; --bytes) {
+        TestImage own(100);
+        std::string left("1\0"
+                         "22\0"
+                         "333\0"
+                         "4444\0",
+                         14);
+        for (const char* line : {"1", "22", "333", "4444"})
+            own.image.append(0, line);
         own.image.keepNewest(0, bytes);
-        const std::size_t left = bytes >= 14   ? 14u
-                                 : bytes >= 12 ? 12u
-                                 : bytes >= 9  ? 9u
-                                 : bytes >= 5  ? 5u
-                                               : 0u;
-        QCOMPARE(own.content(0), all.substr(all.size() - left));
+        while (static_cast<int>(left.size()) > bytes)
+            left.erase(0, left.find('\0') + 1);
+        QCOMPARE(own.content(0), left);
     }
 }
 
 void tst_LogImage::repair()
 {
-    TestImage own(100);
-    own.image.append(0, "whole");
-    own.image.append(1, "whole");
-    std::memcpy(own.image.half(1) + 6, "half a li", 9);
-    own.image.setFill(1, 15);
-    own.image.repair();
-    QCOMPARE(own.image.fill(0), 6);
-    QCOMPARE(own.content(1), std::string("whole\0", 6));
-    std::memset(own.image.half(0), 'x', 100);
-    own.image.setFill(0, 100);
-    own.image.repair();
-    QCOMPARE(own.image.fill(0), 0);
-}
+    TestImage half(100);
+    half.image.append(0, "whole");
+    half.image.append(1, "whole");
+    std::memcpy(half.image.half(1) + 6, "half a li", 9);
+    half.image.setFill(1, 15);
+    half.image.repair();
+    QVERIFY(half.content(0) == half.content(1));
+    QCOMPARE(half.content(1), std::string("whole\0", 6));
+    std::memset(half.image.half(0), 'x', 100);
+    half.image.setFill(0, 100);
+    half.image.repair();
+    QCOMPARE(half.image.fill(0), 0);
 
-void tst_LogImage::wildFill()
-{
-    for (const int fill : {-1, 101, int(0x80000000), 0x7FFFFFFF}) {
+    for (const int wild : {-1, 101, int(0x80000000), 0x7FFFFFFF}) {
         TestImage own(100);
-        own.image.setFill(0, fill);
+        own.image.setFill(0, wild);
         own.image.keepNewest(0, 50);
         own.image.dropFront(0, 50);
         QVERIFY(own.image.append(0, "line"));
         QCOMPARE(own.content(0), std::string("line\0", 5));
-        own.image.setFill(1, fill);
+        own.image.setFill(1, wild);
         own.image.repair();
-        QCOMPARE(own.image.fill(1), 0);
-        QVERIFY(own.isGuardIntact());
+        QVERIFY(own.image.fill(1) == 0 && own.isGuardIntact());
     }
 }
 

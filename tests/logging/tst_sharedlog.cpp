@@ -15,6 +15,7 @@
 #include <cstring>
 #include <memory>
 #include <thread>
+#include <utility>
 
 using vlbase::logging::LogOwner;
 using vlbase::logging::LogStatus;
@@ -53,16 +54,12 @@ private slots:
 
     void layout();
     void withoutOwner();
-    void roles();
-    void fileName();
-    void copies();
+    void rolesAndCopies();
     void instances();
     void manyWriters();
-    void foreignBuffer_data();
     void foreignBuffer();
     void hangingHolder();
     void glance();
-    void viewerClaim();
 
 private:
     QString m_instance;
@@ -151,36 +148,13 @@ void tst_SharedLog::withoutOwner()
     QCOMPARE(peekLog().bufferSize, 500); // of the log that was there
 }
 
-void tst_SharedLog::roles()
+void tst_SharedLog::rolesAndCopies()
 {
-    {
-        TestShared owner(0, 500);
-        TestShared second(0, 500);
-        QVERIFY(owner.IsOpen());
-        QVERIFY(!second.IsOpen());
-        QCOMPARE(LogOwner(500).openResult(), LogOwner::OpenResult::Busy);
-        QCOMPARE(owner.GetUserCount(), 1);
-    }
-    QVERIFY(!TestShared(3, 500).IsOpen());
-    QVERIFY(!TestShared(-1, 500).IsOpen());
-    QVERIFY(!TestShared(0, 0).IsOpen());
-    QVERIFY(!TestShared(0, -5).IsOpen());
-}
-
-void tst_SharedLog::fileName()
-{
+    for (const auto& [role, size] : {std::pair(3, 500), {-1, 500}, {0, 0}, {0, -5}})
+        QVERIFY(!TestShared(role, size).IsOpen());
     TestShared owner(0, 500);
-    const std::string longest(511, 'n');
-    QVERIFY(owner.SetFileName(longest.c_str()));
-    QCOMPARE(std::string(owner.GetFileName()), longest);
-    QCOMPARE(peekLog().fileName, longest);
-    QVERIFY(!owner.SetFileName((longest + "n").c_str()));
-    QCOMPARE(std::string(owner.GetFileName()), std::string());
-}
-
-void tst_SharedLog::copies()
-{
-    TestShared owner(0, 500);
+    QVERIFY(!TestShared(0, 500).IsOpen());
+    QCOMPARE(LogOwner(500).openResult(), LogOwner::OpenResult::Busy);
     {
         CLogWriter first;
         CLogWriter second(first);
@@ -188,27 +162,29 @@ void tst_SharedLog::copies()
         QCOMPARE(owner.GetUserCount(), 3);
         closed = second; // gives its own user up
         QCOMPARE(owner.GetUserCount(), 2);
-        {
-            CLogWriter third(second);
-        }
+        CLogWriter(second).SendEvent(QString(), QString(), QString());
         QCOMPARE(owner.GetUserCount(), 2);
     }
     QCOMPARE(owner.GetUserCount(), 1);
+
+    const std::string longest(511, 'n');
+    QVERIFY(owner.SetFileName(longest.c_str()));
+    QVERIFY(owner.GetFileName() == longest && peekLog().fileName == longest);
+    QVERIFY(!owner.SetFileName((longest + "n").c_str()));
+    QCOMPARE(std::string(owner.GetFileName()), std::string());
 }
 
 void tst_SharedLog::instances()
 {
-    QVERIFY(!setLogInstance(QString(65, u'x')));
-    QVERIFY(!setLogInstance(QStringLiteral("a/b")));
-    QVERIFY(!setLogInstance(QStringLiteral("a.b")));
-    QVERIFY(!setLogInstance(QStringLiteral("\u00e4")));
+    for (const QString& bad : {QString(65, u'x'), QStringLiteral("a/b"), QStringLiteral("a.b"),
+                               QStringLiteral("\u00e4")})
+        QVERIFY(!setLogInstance(bad));
     {
-        TestShared owner(0, 500);
+        const TestShared owner(0, 500);
         QVERIFY(!setLogInstance(m_instance + QLatin1Char('x')));
         QCOMPARE(logInstance(), m_instance);
     }
-    const QString longest = m_instance.leftJustified(64, u'_');
-    QVERIFY(setLogInstance(longest));
+    QVERIFY(setLogInstance(m_instance.leftJustified(64, u'_')));
     QVERIFY(TestShared(0, 500).IsOpen());
 }
 
@@ -232,60 +208,43 @@ void tst_SharedLog::manyWriters()
     QCOMPARE(owner.GetIndex(), 110010L);
 }
 
-void tst_SharedLog::foreignBuffer_data()
-{
-    QTest::addColumn<int>("size");
-    QTest::addColumn<int>("offset");
-    QTest::addColumn<qint32>("value");
-    QTest::addColumn<bool>("opens");
-    constexpr int whole = 1080 + 2 * 100;
-    QTest::newRow("intact") << whole << 48 << 100000 << true;
-    QTest::newRow("signature") << whole << 4 << 0x30313233 << false;
-    QTest::newRow("signature goes on") << whole << 8 << 0x41413032 << false;
-    QTest::newRow("size zero") << whole << 20 << 0 << false;
-    QTest::newRow("size negative") << whole << 20 << -100 << false;
-    QTest::newRow("size beyond the memory") << whole << 20 << 4000000 << false;
-    QTest::newRow("size overflows twice itself") << whole << 20 << 0x7FFFFFFF << false;
-    QTest::newRow("data offset") << whole << 24 << 1084 << false;
-    QTest::newRow("fill 0 beyond the half") << whole << 40 << 101 << false;
-    QTest::newRow("fill 1 negative") << whole << 44 << -1 << false;
-    QTest::newRow("fill 1 full") << whole << 44 << 100 << true;
-}
-
 void tst_SharedLog::foreignBuffer()
 {
-    QFETCH(int, size);
-    QFETCH(int, offset);
-    QFETCH(qint32, value);
-    QFETCH(bool, opens);
-    NamedMutex mutex;
-    QVERIFY(mutex.create(systemName("vlcoreMutex", m_instance)));
-    NamedMapping mapping;
-    QVERIFY(mapping.create(systemName("vlcoreShareBuffer1", m_instance),
-                           static_cast<std::size_t>(size)));
-    const auto store = [&mapping](int at, qint32 word) {
-        std::memcpy(mapping.data() + at, &word, 4);
+    constexpr int size = 1080 + 2 * 100;
+    struct Damage
+    {
+        int offset;
+        qint32 value;
+        bool opens = false;
     };
-    std::memcpy(mapping.data(), "Logger 2.0", 11);
-    store(20, 100);
-    store(24, 1080);
-    store(32, 1);
-    store(offset, value);
-    const QByteArray before(reinterpret_cast<const char*>(mapping.data()), size);
-    const auto now = [&mapping, size] {
-        return QByteArray(reinterpret_cast<const char*>(mapping.data()), size);
-    };
+    for (const Damage& damage : {Damage{48, 100000, true}, // intact
+                                 {4, 0x30313233},          // signature
+                                 {8, 0x41413032},          // which goes on
+                                 {20, 0},                  // size of a half
+                                 {20, -100},
+                                 {20, 4000000},    // beyond the memory
+                                 {20, 0x7FFFFFFF}, // twice it overflows
+                                 {24, 1084},       // data offset
+                                 {40, 101},        // fill beyond the half
+                                 {44, -1},
+                                 {44, 100, true}}) {
+        NamedMutex mutex;
+        NamedMapping mapping;
+        QVERIFY(mutex.create(systemName("vlcoreMutex", m_instance)));
+        QVERIFY(mapping.create(systemName("vlcoreShareBuffer1", m_instance), size));
+        std::memcpy(mapping.data(), "Logger 2.0", 11);
+        for (const auto& [at, word] :
+             {std::pair(20, 100), {24, 1080}, {32, 1}, {damage.offset, damage.value}})
+            std::memcpy(mapping.data() + at, &word, 4);
+        const QByteArray before(reinterpret_cast<const char*>(mapping.data()), size);
 
-    QCOMPARE(peekLog().presence == LogStatus::Presence::Present, opens);
-    if (opens) {
-        QVERIFY(TestShared(1).IsOpen());
-    } else {
-        QVERIFY(!peekLog().reason.empty());
-        for (const int role : {0, 1, 2})
-            QVERIFY(!TestShared(role, 100).IsOpen());
+        const LogStatus status = peekLog();
+        QCOMPARE(status.presence == LogStatus::Presence::Present, damage.opens);
+        QCOMPARE(status.reason.empty(), damage.opens);
+        for (const int role : {1, damage.opens ? 1 : 0, damage.opens ? 1 : 2})
+            QCOMPARE(TestShared(role, 100).IsOpen(), damage.opens);
+        QCOMPARE(QByteArray(reinterpret_cast<const char*>(mapping.data()), size), before);
     }
-    QCOMPARE(now(), before);
-    mapping.close();
 }
 
 // The mutex is taken by another thread, for which another process could stand.
@@ -295,35 +254,30 @@ void tst_SharedLog::hangingHolder()
     CLogWriter writer;
     writer.SendError(QStringLiteral("before"), QString(), QString());
     QCOMPARE(owner.lines(0).size(), 1u);
-    std::thread holder;
-    QElapsedTimer time;
-    {
-        std::atomic<bool> held{false};
-        std::atomic<bool> enough{false};
-        holder = std::thread([&] {
-            const Lock lock(&owner);
-            held = true;
-            while (!enough)
-                std::this_thread::yield();
-        });
-        while (!held)
+    std::atomic<bool> held{false};
+    std::atomic<bool> enough{false};
+    std::thread holder([&] {
+        const Lock lock(&owner);
+        held = true;
+        while (!enough)
             std::this_thread::yield();
-        QVERIFY(peekLog().lockHeld);
-        time.start();
-        writer.SendError(QStringLiteral("after"), QString(), QString());
-        QVERIFY2(time.elapsed() >= 1990 && time.elapsed() < 2500,
-                 qPrintable(QString::number(time.elapsed())));
-        writer.UnLockData(); // not ours, and still not
-        QVERIFY(peekLog().lockHeld);
-        enough = true;
-        holder.join();
-    }
-    QVERIFY(!peekLog().lockHeld);
+    });
+    while (!held)
+        std::this_thread::yield();
+    QElapsedTimer time;
+    time.start();
+    writer.SendError(QStringLiteral("after"), QString(), QString());
+    const qint64 waited = time.elapsed();
+    writer.UnLockData(); // not ours, and still not
+    const bool stillHeld = peekLog().lockHeld;
+    enough = true;
+    holder.join();
+    QVERIFY2(waited >= 1990 && waited < 3500, qPrintable(QString::number(waited)));
+    QVERIFY(stillHeld && !peekLog().lockHeld);
     for (const int half : {0, 1}) {
         const auto lines = owner.lines(half);
         QCOMPARE(lines.size(), 1u);
-        QCOMPARE(lines[0].substr(0, 7), std::string("100001\t"));
-        QVERIFY(lines[0].find("after") != std::string::npos);
+        QVERIFY(lines[0].substr(0, 7) == "100001\t" && lines[0].find("after") != std::string::npos);
     }
 }
 
@@ -337,30 +291,21 @@ void tst_SharedLog::glance()
     writer.SendEvent(QStringLiteral("1"), QString(), QString());
     owner.drain();
     writer.SendEvent(QStringLiteral("2"), QString(), QString());
+    LogViewerClaim claim;
+    LogViewerClaim second;
+    QVERIFY(!peekLog().viewerAlive && claim.take() && claim.take() && !second.take());
     const LogStatus status = peekLog();
     QCOMPARE(status.presence, LogStatus::Presence::Present);
     QCOMPARE(status.bufferSize, 500);
-    QCOMPARE(status.owners, 1);
-    QCOMPARE(status.writers, 1);
-    QCOMPARE(status.readers, 1);
+    QVERIFY(status.owners == 1 && status.writers == 1 && status.readers == 1);
     QCOMPARE(status.fill[0], 2 * status.fill[1]);
     QCOMPARE(status.stagedBytes, static_cast<std::uint64_t>(status.fill[1]));
     QCOMPARE(status.reserveBytes, 4000u);
     QCOMPARE(status.linesNumbered, 2u);
     QCOMPARE(status.nextIndex, 100002);
-    QVERIFY(status.ownerAlive && !status.viewerAlive && !status.lockHeld);
+    QVERIFY(status.ownerAlive && status.viewerAlive && !status.lockHeld);
     QVERIFY(status.acceptsDataBlocks && status.hasReserve);
-    QCOMPARE(owner.GetIndex(), 100002L);
-}
-
-void tst_SharedLog::viewerClaim()
-{
-    LogViewerClaim first;
-    LogViewerClaim second;
-    QVERIFY(!LogViewerClaim::isTaken());
-    QVERIFY(first.take() && first.take());
-    QVERIFY(LogViewerClaim::isTaken() && !second.take());
-    first.release();
+    claim.release();
     QVERIFY(!LogViewerClaim::isTaken() && second.take());
 }
 

@@ -20,21 +20,14 @@ class LogTextTest : public QObject
     Q_OBJECT
 
 private slots:
-    void cleaning_data();
     void cleaning();
     void plainIsDecidedForEachByteInEachPlace();
-    void cutting();
-    void parsing_data();
     void parsing();
-    void numbersInTheirRound_data();
-    void numbersInTheirRound();
     void noticesComeBack();
     void gapsAreSeenOnce();
-    void filtering_data();
     void filtering();
     void columns();
     void json();
-    void splitting_data();
     void splitting();
 };
 
@@ -45,11 +38,11 @@ QByteArray toBytes(const std::string& text)
     return QByteArray::fromStdString(text);
 }
 
-std::string clean(const QByteArray& text, Cleaning cleaning)
+QByteArray clean(const QByteArray& text, Cleaning cleaning)
 {
     std::string out;
     appendClean(text.toStdString(), cleaning, out);
-    return out;
+    return toBytes(out);
 }
 
 std::string lineOf(int index, const char* rest)
@@ -59,44 +52,43 @@ std::string lineOf(int index, const char* rest)
 
 } // namespace
 
-void LogTextTest::cleaning_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("forFile");
-    QTest::addColumn<QByteArray>("forTerminal");
-    const QByteArray fffd = "\xEF\xBF\xBD";
-    const auto same = [](const char* name, const QByteArray& text, const QByteArray& cleaned) {
-        QTest::newRow(name) << text << cleaned << cleaned;
-    };
-    same("empty", "", "");
-    same("tabs separate", "a\tb\t", "a\tb\t");
-    same("line ends", "a\r\nb", "a\u240D\u240Ab");
-    same("escape", "\x1b[2J and more text", "\u241B[2J and more text");
-    same("delete", "seven b\x7f", "seven b\u2421");
-    same("zero", QByteArray("a\0b", 3), "a\u2400b");
-    same("control of 8 bits",
-         "\xC2\x9B"
-         "31m",
-         fffd + "31m");
-    same("valid beyond the first plane", "\xF0\x9F\x93\xA1 \xC3\xA4", "\xF0\x9F\x93\xA1 \xC3\xA4");
-    same("replacement stays", fffd, fffd);
-    // The Unicode Standard 15, tables 3-8 to 3-11.
-    same("long forms", "\xC0\xAF\xE0\x80\xBF\xF0\x81\x82\x41", fffd.repeated(8) + "A");
-    same("surrogates", "\xED\xA0\x80\xED\xBF\xBF\xED\xAF\x41", fffd.repeated(8) + "A");
-    same("other ill-formed", "\xF4\x91\x92\x93\xFF\x41\x80\xBF\x42",
-         fffd.repeated(5) + "A" + fffd.repeated(2) + "B");
-    same("cut off", "\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41", fffd.repeated(4) + "A");
-    same("cut off at the end", "ok\xF0\x9F\x93", "ok" + fffd);
-    QTest::newRow("turned writing")
-        << QByteArray("\u202Eabc\u2069") << QByteArray("\u202Eabc\u2069") << fffd + "abc" + fffd;
-    QTest::newRow("line separator") << QByteArray("\u2028") << QByteArray("\u2028") << fffd;
-}
-
 void LogTextTest::cleaning()
 {
-    QFETCH(QByteArray, text);
-    QTEST(toBytes(clean(text, Cleaning::ForFile)), "forFile");
-    QTEST(toBytes(clean(text, Cleaning::ForTerminal)), "forTerminal");
+    const QByteArray fffd = "\xEF\xBF\xBD";
+    struct Case
+    {
+        QByteArray text;
+        QByteArray forFile;
+        QByteArray forTerminal = forFile;
+    };
+    const Case cases[] = {
+        {"", ""},
+        {"a\tb\t", "a\tb\t"},
+        {"a\r\nb", "a\u240D\u240Ab"},
+        {"\x1b[2J and more text", "\u241B[2J and more text"},
+        {"seven b\x7f", "seven b\u2421"},
+        {QByteArray("a\0b", 3), "a\u2400b"},
+        {"\xC2\x9B!", fffd + "!"}, // a control character of 8 bits
+        {"\xF0\x9F\x93\xA1 \xC3\xA4", "\xF0\x9F\x93\xA1 \xC3\xA4"},
+        {fffd, fffd},
+        // The Unicode Standard 15, tables 3-8 to 3-11.
+        {"\xC0\xAF\xE0\x80\xBF\xF0\x81\x82\x41", fffd.repeated(8) + "A"},
+        {"\xED\xA0\x80\xED\xBF\xBF\xED\xAF\x41", fffd.repeated(8) + "A"},
+        {"\xF4\x91\x92\x93\xFF\x41\x80\xBF\x42", fffd.repeated(5) + "A" + fffd.repeated(2) + "B"},
+        {"\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41", fffd.repeated(4) + "A"},
+        {"ok\xF0\x9F\x93", "ok" + fffd},
+        {"\u202Eabc\u2069", "\u202Eabc\u2069", fffd + "abc" + fffd}, // turns the writing
+        {"\u2028", "\u2028", fffd}};
+    for (const Case& each : cases) {
+        QCOMPARE(clean(each.text, Cleaning::ForFile), each.forFile);
+        QCOMPARE(clean(each.text, Cleaning::ForTerminal), each.forTerminal);
+    }
+
+    const std::string text = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x93\xA1";
+    const std::size_t ends[] = {0, 1, 1, 3, 3, 3, 6, 6, 6, 6, 10, 10};
+    for (std::size_t bytes = 0; bytes < std::size(ends); ++bytes)
+        QCOMPARE(cutToWholeCharacters(text, bytes).size(), ends[bytes]);
+    QCOMPARE(cutToWholeCharacters("\x80\x80\x80\x80\x80\x80\x80", 6).size(), std::size_t{6});
 }
 
 void LogTextTest::plainIsDecidedForEachByteInEachPlace()
@@ -115,89 +107,41 @@ void LogTextTest::plainIsDecidedForEachByteInEachPlace()
     }
 }
 
-void LogTextTest::cutting()
-{
-    const std::string text = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x93\xA1";
-    const std::size_t ends[] = {0, 1, 1, 3, 3, 3, 6, 6, 6, 6, 10, 10};
-    for (std::size_t bytes = 0; bytes < std::size(ends); ++bytes)
-        QCOMPARE(cutToWholeCharacters(text, bytes).size(), ends[bytes]);
-    QCOMPARE(cutToWholeCharacters("\x80\x80\x80\x80\x80\x80\x80", 6).size(), std::size_t{6});
-}
-
-void LogTextTest::parsing_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("hasHeader");
-    QTest::addColumn<int>("index");
-    QTest::addColumn<qint64>("seconds");    // -1: no time
-    QTest::addColumn<QByteArray>("fields"); // joined by '|'
-    const QByteArray rest = "\tUTC: 0.000000\ts\tm\tError";
-    const auto row = [&](const char* name, const QByteArray& text, int index, qint64 seconds,
-                         const QByteArray& fields) {
-        QTest::newRow(name) << text << true << index << seconds << fields;
-    };
-    const auto none = [](const char* name, const QByteArray& text) {
-        QTest::newRow(name) << text << false << 0 << qint64{-1} << QByteArray();
-    };
-    // Seconds by `date -u -d ... +%s`.
-    row("three fields", "100000\t2024-02-29 23:59:59" + rest + "\ta\tb\tc", 100000, 1709251199,
-        "a|b|c");
-    row("no field", "999998\t1970-01-01 00:00:00" + rest, 999998, 0, "");
-    row("empty fields count", "100001\t2000-03-01 12:00:00" + rest + "\ta\t\t", 100001, 951912000,
-        "a||");
-    row("one empty field", "100001\t2100-02-28 00:00:00" + rest + "\t", 100001, 4107456000, "");
-    row("no such day", "100001\t2023-02-29 00:00:00" + rest, 100001, -1, "");
-    row("no such hour", "100001\t2024-02-29 24:00:00" + rest, 100001, -1, "");
-    row("the owner's own", "------\t2024-02-29 23:59:59" + rest, 0, 1709251199, "");
-    none("empty", "");
-    none("too few fields", "100000\t2024-02-29 23:59:59\tUTC: 0.000000\ts\tm");
-    none("five digits", "10000\t2024-02-29 23:59:59" + rest);
-    none("number that is never given out", "999999\t2024-02-29 23:59:59" + rest);
-    none("leading zero", "000001\t2024-02-29 23:59:59" + rest);
-    none("blank for a tab", "100000 2024-02-29 23:59:59" + rest);
-}
-
 void LogTextTest::parsing()
 {
-    QFETCH(QByteArray, text);
-    QFETCH(bool, hasHeader);
-    QFETCH(qint64, seconds);
+    struct Case
+    {
+        std::string start;
+        std::string end;
+        int index;
+        qint64 seconds; // by `date -u -d ... +%s`; -1: no time
+        const char* fields;
+    };
+    const Case cases[] = {{"100000\t2024-02-29 23:59:59", "\ta\tb\tc", 100000, 1709251199, "a|b|c"},
+                          {"999998\t1970-01-01 00:00:00", "", 999998, 0, ""},
+                          {"100001\t2000-03-01 12:00:00", "\ta\t\t", 100001, 951912000, "a||"},
+                          {"100001\t2100-02-28 00:00:00", "\t", 100001, 4107456000, ""},
+                          {"100001\t2023-02-29 00:00:00", "", 100001, -1, ""},
+                          {"100001\t2024-02-29 24:00:00", "", 100001, -1, ""},
+                          {"------\t2024-02-29 23:59:59", "", 0, 1709251199, ""}};
+    const std::string middle = "\tUTC: 0.000000\ts\tm\tError";
     LogLine line;
-    line.fields = {"left", "over"};
-    const std::string held = text.toStdString();
-    QCOMPARE(parseLogLine(held, line), hasHeader);
-    QTEST(line.index, "index");
-    QCOMPARE(line.seconds.value_or(-1), seconds);
-    QByteArrayList fields;
-    for (const std::string_view field : line.fields)
-        fields << QByteArray(field.data(), static_cast<qsizetype>(field.size()));
-    QTEST(fields.join('|'), "fields");
-    if (hasHeader) {
-        QCOMPARE(line.station, std::string_view("s"));
-        QCOMPARE(line.module, std::string_view("m"));
-        QCOMPARE(line.level, std::string_view("Error"));
+    for (const Case& each : cases) {
+        line.fields = {"left", "over"};
+        const std::string text = each.start + middle + each.end;
+        QVERIFY2(parseLogLine(text, line), text.c_str());
+        QCOMPARE(line.index, each.index);
+        QCOMPARE(line.seconds.value_or(-1), each.seconds);
+        QByteArrayList fields;
+        for (const std::string_view field : line.fields)
+            fields << QByteArray(field.data(), static_cast<qsizetype>(field.size()));
+        QCOMPARE(fields.join('|'), QByteArray(each.fields));
+        QVERIFY(line.station == "s" && line.module == "m" && line.level == "Error");
     }
-}
-
-void LogTextTest::numbersInTheirRound_data()
-{
-    QTest::addColumn<int>("earlier");
-    QTest::addColumn<int>("later");
-    QTest::addColumn<qint64>("between");
-    QTest::newRow("neighbours") << 100000 << 100001 << qint64{0};
-    QTest::newRow("one missing") << 100005 << 100007 << qint64{1};
-    QTest::newRow("into the turn") << 999998 << 100000 << qint64{0};
-    QTest::newRow("in the turn") << 100000 << 100000 << qint64{0};
-    QTest::newRow("over the turn, both missing") << 999998 << 100001 << qint64{2};
-    QTest::newRow("before the turn") << 999997 << 100000 << qint64{1};
-    QTest::newRow("backwards is almost a round") << 100007 << 100006 << qint64{899998};
-}
-
-void LogTextTest::numbersInTheirRound()
-{
-    QFETCH(int, earlier);
-    QFETCH(int, later);
-    QTEST(qint64{linesBetween(earlier, later)}, "between");
+    QVERIFY(!parseLogLine("", line));
+    QVERIFY(!parseLogLine("100000\t2024-02-29 23:59:59\tUTC: 0.000000\ts\tm", line));
+    for (const char* index : {"10000\t", "999999\t", "000001\t", "100000 "})
+        QVERIFY2(!parseLogLine(index + ("2024-02-29 23:59:59" + middle), line), index);
 }
 
 void LogTextTest::noticesComeBack()
@@ -218,6 +162,11 @@ void LogTextTest::noticesComeBack()
             QCOMPARE(read->last, last);
         }
     }
+    const int between[][3] = {{100000, 100001, 0},     {100005, 100007, 1}, {999998, 100000, 0},
+                              {100000, 100000, 0},     {999998, 100001, 2}, {999997, 100000, 1},
+                              {100007, 100006, 899998}}; // almost a round
+    for (const auto& [earlier, later, count] : between)
+        QCOMPARE(int(linesBetween(earlier, later)), count);
     QCOMPARE(noticeOfLost(2, 100001).first, 100000);
     QCOMPARE(noticeOfLost(3, 100001).first, 100000);
     QCOMPARE(noticeOfLost(4, 100001).first, 999998);
@@ -258,50 +207,38 @@ void LogTextTest::gapsAreSeenOnce()
     QCOMPARE(lostBefore(numbered(700003)), QStringLiteral("700002-700002"));
 }
 
-void LogTextTest::filtering_data()
-{
-    QTest::addColumn<QStringList>("modules");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("onlyErrors");
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<bool>("passes");
-    const QByteArray error =
-        QByteArray::fromStdString(lineOf(100001, "North\tReceiver 1\tError\tAntenne \u00C4"));
-    const QByteArray trace =
-        QByteArray::fromStdString(lineOf(100001, "North\tReceiver 1\tTrace\ta"));
-    QTest::newRow("no condition") << QStringList() << QString() << false << error << true;
-    QTest::newRow("no header, no condition")
-        << QStringList() << QString() << false << QByteArray("x") << true;
-    QTest::newRow("no header, asked for one")
-        << QStringList() << QString() << true << QByteArray("x") << false;
-    QTest::newRow("level") << QStringList() << QString() << true << error << true;
-    QTest::newRow("other level") << QStringList() << QString() << true << trace << false;
-    QTest::newRow("module in other case")
-        << QStringList{QStringLiteral("x"), QStringLiteral("receiver 1")} << QString() << false
-        << error << true;
-    QTest::newRow("part of a module")
-        << QStringList{QStringLiteral("Receiver")} << QString() << false << error << false;
-    QTest::newRow("text in other case")
-        << QStringList() << QStringLiteral("antenne \u00E4") << false << error << true;
-    QTest::newRow("other text") << QStringList() << QStringLiteral("mast") << false << error
-                                << false;
-}
-
 void LogTextTest::filtering()
 {
-    QFETCH(QStringList, modules);
-    QFETCH(QString, text);
-    QFETCH(bool, onlyErrors);
-    QFETCH(QByteArray, line);
-    LineFilter filter;
-    filter.setModules(modules);
-    filter.setText(text);
-    if (onlyErrors)
-        filter.setLevels({Level::Error});
-    LogLine parsed;
-    const std::string held = line.toStdString();
-    const bool hasHeader = parseLogLine(held, parsed);
-    QTEST(filter.passes(held, hasHeader ? &parsed : nullptr), "passes");
+    struct Case
+    {
+        const char* module;
+        const char* text;
+        bool onlyErrors;
+        std::string line;
+        bool passes;
+    };
+    const std::string error = lineOf(100001, "North\tReceiver 1\tError\tAntenne \u00C4");
+    const std::string trace = lineOf(100001, "North\tReceiver 1\tTrace\ta");
+    for (const Case& each : {Case{"", "", false, error, true},
+                             {"", "", false, "no header", true},
+                             {"", "", true, "no header", false},
+                             {"", "", true, error, true},
+                             {"", "", true, trace, false},
+                             {"receiver 1", "", false, error, true},
+                             {"Receiver", "", false, error, false},
+                             {"", "antenne \u00E4", false, error, true},
+                             {"", "mast", false, error, false}}) {
+        LineFilter filter;
+        if (*each.module)
+            filter.setModules({QStringLiteral("x"), QString::fromUtf8(each.module)});
+        filter.setText(QString::fromUtf8(each.text));
+        if (each.onlyErrors)
+            filter.setLevels({Level::Error});
+        LogLine parsed;
+        const bool hasHeader = parseLogLine(each.line, parsed);
+        QVERIFY2(filter.passes(each.line, hasHeader ? &parsed : nullptr) == each.passes,
+                 (each.module + each.line + each.text).c_str());
+    }
 }
 
 void LogTextTest::columns()
@@ -365,38 +302,30 @@ void LogTextTest::json()
     QCOMPARE(QJsonDocument::fromJson(toBytes(lost)).object()[u"first"].toInt(), 100006);
 }
 
-void LogTextTest::splitting_data()
-{
-    QTest::addColumn<QByteArray>("stream");
-    QTest::addColumn<QByteArray>("lines"); // "<line+cut>" each
-    QTest::newRow("nothing") << QByteArray() << QByteArray();
-    QTest::newRow("two lines") << QByteArray("a\nb\n") << QByteArray("<a+0><b+0>");
-    QTest::newRow("last without end") << QByteArray("a\nb") << QByteArray("<a+0><b+0>");
-    QTest::newRow("empty lines") << QByteArray("\n\na\n") << QByteArray("<+0><+0><a+0>");
-    QTest::newRow("DOS line ends") << QByteArray("a\r\n\r\nb\r\n") << QByteArray("<a+0><+0><b+0>");
-    QTest::newRow("carriage returns inside")
-        << QByteArray("a\r\rb\r\r\nc\r") << QByteArray("<a\r\rb\r+0><c+0>");
-    QTest::newRow("as long as allowed") << QByteArray("12345678\n") << QByteArray("<12345678+0>");
-    QTest::newRow("too long") << QByteArray("1234567890\na\n") << QByteArray("<12345678+2><a+0>");
-    QTest::newRow("too long at the end") << QByteArray("123456789\r") << QByteArray("<12345678+1>");
-    QTest::newRow("not cut in a character")
-        << QByteArray("1234567\xC3\xA4\n") << QByteArray("<1234567+2>");
-}
-
 void LogTextTest::splitting()
 {
-    QFETCH(QByteArray, stream);
-    QFETCH(QByteArray, lines);
-    for (const qsizetype step : {qsizetype{1}, qsizetype{3}, qsizetype{1000}}) {
-        QByteArray got;
-        LineSplitter splitter(8, [&](std::string_view line, std::size_t cut) {
-            got += '<' + QByteArray(line.data(), static_cast<qsizetype>(line.size())) + '+' +
-                   QByteArray::number(static_cast<qulonglong>(cut)) + '>';
-        });
-        for (qsizetype at = 0; at < stream.size(); at += step)
-            splitter.feed(stream.mid(at, step).toStdString());
-        splitter.finish();
-        QCOMPARE(got, lines);
+    const std::pair<QByteArray, QByteArray> cases[] = {// a stream, and "<line+cut>" each
+                                                       {"", ""},
+                                                       {"a\nb", "<a+0><b+0>"},
+                                                       {"\n\na\n", "<+0><+0><a+0>"},
+                                                       {"a\r\n\r\nb\r\n", "<a+0><+0><b+0>"},
+                                                       {"a\r\rb\r\r\nc\r", "<a\r\rb\r+0><c+0>"},
+                                                       {"12345678\n", "<12345678+0>"},
+                                                       {"1234567890\na\n", "<12345678+2><a+0>"},
+                                                       {"123456789\r", "<12345678+1>"},
+                                                       {"1234567\xC3\xA4\n", "<1234567+2>"}};
+    for (const auto& [stream, lines] : cases) {
+        for (const qsizetype step : {1, 3, 1000}) {
+            QByteArray got;
+            LineSplitter splitter(8, [&](std::string_view line, std::size_t cut) {
+                got += '<' + QByteArray(line.data(), static_cast<qsizetype>(line.size())) + '+' +
+                       QByteArray::number(static_cast<qulonglong>(cut)) + '>';
+            });
+            for (qsizetype at = 0; at < stream.size(); at += step)
+                splitter.feed(stream.mid(at, step).toStdString());
+            splitter.finish();
+            QCOMPARE(got, lines);
+        }
     }
 }
 
