@@ -100,7 +100,8 @@ void FileFollower::dropKnown(std::string& lines, std::size_t from)
     std::size_t end = from;
     while (end < lines.size() && m_lastKnown != 0) {
         const int index = lineIndex(std::string_view(lines).substr(end));
-        if (index != 0 && isLater(index, m_lastKnown))
+        // The same number again is the line that was shown, not the next round's 100000.
+        if (index != 0 && index != m_lastKnown && isLater(index, m_lastKnown))
             m_lastKnown = 0;
         else
             end = lines.find('\0', end) + 1;
@@ -146,6 +147,9 @@ std::optional<std::string> FileFollower::nameAfter(const platform::FileIdentity&
     // Names move while they are looked at, so "gone" takes more than one look.
     int oldest = 0;
     for (int look = 0; look < looksForAFile; ++look) {
+        // Its name could not be looked at for a moment, as happens beside a rename on Windows.
+        if (platform::identityOf(m_name) == wanted)
+            return std::nullopt;
         const auto [number, last] = findAmongOlder(wanted);
         if (number > 0)
             return nameOf(number - 1);

@@ -15,7 +15,9 @@ struct FileIdentity
 
     friend bool operator==(const FileIdentity& a, const FileIdentity& b)
     {
-        return a.isKnown && b.isKnown && a.volume == b.volume && a.number == b.number;
+        // Wine now and then does not tell the volume; then the number decides.
+        const bool sameVolume = a.volume == b.volume || a.volume == 0 || b.volume == 0;
+        return a.isKnown && b.isKnown && sameVolume && a.number == b.number;
     }
 };
 
