@@ -132,54 +132,58 @@ void answer(int socket, bool isV6)
     _exit(1);
 }
 
-std::vector<Scenario> noiseAndReply(bool isV6)
+struct ErrorCase
 {
-    const Shot foreign = isV6 ? Shot{Shot::OthersError, 1, 0} : Shot{Shot::OthersError, 3, 0};
-    std::vector<Shot> noise = {
-        {Shot::OtherId}, {Shot::OtherSequence}, {Shot::OtherData}, {Shot::Shortened}, foreign};
+    int type;
+    int code;
+    const char* message;
+};
+
+std::vector<Scenario> makeScenarios(bool isV6, const std::vector<ErrorCase>& errors)
+{
+    std::vector<Shot> noise = {{Shot::OtherId},
+                               {Shot::OtherSequence},
+                               {Shot::OtherData},
+                               {Shot::Shortened},
+                               {Shot::OthersError, isV6 ? 1 : 3}};
     if (!isV6) // sums of IPv6 are the system's
         noise.push_back({Shot::BadSum});
     std::vector<Shot> ending = noise;
     ending.push_back({Shot::Reply, 0, 0, 60});
-    std::vector<Shot> lasting;
-    for (int i = 0; i < 60; ++i)
-        lasting.push_back({Shot::OtherData, 0, 0, 10});
-    // Sizes 1 to 4.
-    return {{ending, 1, ""}, {noise, 0, "IP Timeout."}, {lasting, 0, "IP Timeout."}, {}};
+    const std::vector<Shot> lasting(60, {Shot::OtherData, 0, 0, 10});
+    std::vector<Scenario> all = {{{{Shot::Reply}}, 1, ""},
+                                 {ending, 1, ""},
+                                 {noise, 0, "IP Timeout."},
+                                 {lasting, 0, "IP Timeout."},
+                                 {{}, 0, "IP Timeout."}};
+    for (const ErrorCase& error : errors)
+        all.push_back({{{Shot::Error, error.type, error.code}}, 0, error.message});
+    return all;
 }
 
 } // namespace
 
 const std::vector<Scenario>& scenarios(bool isV6)
 {
-    const auto make = [](bool v6, const std::vector<std::pair<Shot, const char*>>& errors) {
-        std::vector<Scenario> all = {{{{Shot::Reply}}, 1, ""}};
-        for (const Scenario& scenario : noiseAndReply(v6))
-            all.push_back(scenario);
-        all[4] = {{}, 0, "IP Timeout."};
-        for (const auto& [shot, message] : errors)
-            all.push_back({{shot}, 0, message});
-        return all;
-    };
     static const std::vector<Scenario> v4 =
-        make(false, {{{Shot::Error, 3, 0}, "Destination network unreachable."},
-                     {{Shot::Error, 3, 1}, "Destination host unreachable."},
-                     {{Shot::Error, 3, 2}, "Destination protocol unreachable."},
-                     {{Shot::Error, 3, 3}, "Destination port unreachable."},
-                     {{Shot::Error, 3, 4}, "IP packet too big."},
-                     {{Shot::Error, 3, 5}, "IP BAD ROUTE"},
-                     {{Shot::Error, 3, 13}, "Destination host unreachable."},
-                     {{Shot::Error, 4, 0}, "IP SOURCE QUENCH"},
-                     {{Shot::Error, 11, 0}, "TTL expired."},
-                     {{Shot::Error, 12, 0}, "IP PARAM PROBLEM"}});
+        makeScenarios(false, {{3, 0, "Destination network unreachable."},
+                              {3, 1, "Destination host unreachable."},
+                              {3, 2, "Destination protocol unreachable."},
+                              {3, 3, "Destination port unreachable."},
+                              {3, 4, "IP packet too big."},
+                              {3, 5, "IP BAD ROUTE"},
+                              {3, 13, "Destination host unreachable."},
+                              {4, 0, "IP SOURCE QUENCH"},
+                              {11, 0, "TTL expired."},
+                              {12, 0, "IP PARAM PROBLEM"}});
     static const std::vector<Scenario> v6 =
-        make(true, {{{Shot::Error, 1, 0}, "Destination network unreachable."},
-                    {{Shot::Error, 1, 1}, "Destination host unreachable."},
-                    {{Shot::Error, 1, 3}, "Destination host unreachable."},
-                    {{Shot::Error, 1, 4}, "Destination port unreachable."},
-                    {{Shot::Error, 2, 0}, "IP packet too big."},
-                    {{Shot::Error, 3, 0}, "TTL expired."},
-                    {{Shot::Error, 4, 0}, "IP PARAM PROBLEM"}});
+        makeScenarios(true, {{1, 0, "Destination network unreachable."},
+                             {1, 1, "Destination host unreachable."},
+                             {1, 3, "Destination host unreachable."},
+                             {1, 4, "Destination port unreachable."},
+                             {2, 0, "IP packet too big."},
+                             {3, 0, "TTL expired."},
+                             {4, 0, "IP PARAM PROBLEM"}});
     return isV6 ? v6 : v4;
 }
 
