@@ -100,7 +100,8 @@ private slots:
     void bell()
     {
         const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
-        QVERIFY(terminal >= 0 && ::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
+        if (terminal < 0 || ::grantpt(terminal) != 0 || ::unlockpt(terminal) != 0)
+            QSKIP("no pseudo terminals are mounted here");
         const QByteArray name = ::ptsname(terminal);
         QProcess player;
         player.setChildProcessModifier([&name] {
