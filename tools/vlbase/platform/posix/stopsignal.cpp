@@ -29,8 +29,9 @@ void onSignal(int)
 
 StopSignal::StopSignal()
 {
+    // Never closed: another thread may be about to write to it.
     int ends[2];
-    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) == 0) {
+    if (wakeUp < 0 && pipe2(ends, O_CLOEXEC | O_NONBLOCK) == 0) {
         wakeUpReader = ends[0];
         wakeUp = ends[1];
     }
@@ -47,11 +48,6 @@ StopSignal::~StopSignal()
 {
     for (const int number : {SIGINT, SIGTERM, SIGHUP})
         std::signal(number, SIG_DFL);
-    const int writer = wakeUp.exchange(-1);
-    if (writer >= 0) {
-        close(writer);
-        close(wakeUpReader);
-    }
 }
 
 bool StopSignal::requested()
