@@ -44,13 +44,19 @@ LineLedger::Judgement LineLedger::judge(std::string_view line)
 {
     const std::optional<std::int32_t> number = numberOfLine(line);
     if (!number)
-        return {};
+        return isFragment(line) ? Judgement{Verdict::Torn, 0} : Judgement{};
     if (m_reserve) {
         const std::optional<Judgement> judgement = judgeSealed(line, *number);
         if (judgement)
             return *judgement;
     }
     return judgeByNumber(*number);
+}
+
+// The rear part of a spoilt line looks like one without a number.
+bool LineLedger::isFragment(std::string_view line) const
+{
+    return m_reserve && m_reserve->hasHung() && !m_reserve->isInjected(lineHash(line));
 }
 
 // By the seals; nothing when the line's writer does not seal.

@@ -46,7 +46,8 @@ public:
     void resumeAfter(std::string_view lastLine);
 
     /// \param line without its zero byte. A line without a number is accepted and counts for
-    ///     nothing, one that was injected as it is likewise.
+    ///     nothing, one that was injected as it is likewise. Once a holder of the mutex has hung,
+    ///     a line without a number is accepted only from programs of this library.
     Judgement judge(std::string_view line);
 
     /// Settles the account when nothing is under way: the log's half and the staging are empty.
@@ -59,6 +60,7 @@ private:
     Judgement judgeByNumber(std::int32_t number);
     Judgement acceptAt(std::uint64_t position);
     std::optional<std::uint64_t> sealedPosition(std::uint64_t slot, std::uint64_t lineHash) const;
+    bool isFragment(std::string_view line) const;
     bool awaitsOther(std::uint64_t slot) const;
     std::optional<std::uint64_t> lastPositionOf(std::uint64_t slot) const;
 

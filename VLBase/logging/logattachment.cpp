@@ -1,7 +1,6 @@
 #include "logattachment.h"
 
 #include <VLBase/logging/linehash.h>
-#include <VLBase/logging/lineindex.h>
 #include <VLBase/logging/logobjects.h>
 
 #include <algorithm>
@@ -90,6 +89,8 @@ LockResult LogAttachment::lock()
         break;
     case LockResult::TimedOut:
         m_image.emptyHalves();
+        if (m_reserve)
+            m_reserve->noteHang();
         break;
     }
     return result;
@@ -112,7 +113,7 @@ void LogAttachment::add(std::string_view line, std::optional<std::uint64_t> posi
 {
     if (m_reserve && position)
         m_reserve->seal(*position, line);
-    else if (m_reserve && numberOfLine(line))
+    else if (m_reserve)
         m_reserve->noteInjected(lineHash(line));
     m_image.append(0, line);
     m_image.append(1, line);

@@ -34,6 +34,7 @@ struct LogReserve::Header
     char signature[16];
     std::uint64_t stagingBytes;
     std::atomic<std::uint32_t> ownerHasClaim;
+    std::atomic<std::uint32_t> hasHung;
     alignas(64) std::atomic<std::uint64_t> nextPosition;
     alignas(64) LogStaging::Control staging;
 };
@@ -156,6 +157,22 @@ bool LogReserve::takeInjected(std::uint64_t lineHash) const
             return true;
     }
     return false;
+}
+
+bool LogReserve::isInjected(std::uint64_t lineHash) const
+{
+    const std::uint64_t entry = m_injected[lineHash >> 52].load(std::memory_order_relaxed);
+    return (entry & ~timesMask) == (lineHash & ~timesMask) && (entry & timesMask) != 0;
+}
+
+bool LogReserve::hasHung() const
+{
+    return m_header->hasHung.load(std::memory_order_relaxed) != 0;
+}
+
+void LogReserve::noteHang()
+{
+    m_header->hasHung.store(1, std::memory_order_relaxed);
 }
 
 bool LogReserve::ownerHasClaim() const

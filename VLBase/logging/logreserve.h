@@ -57,6 +57,12 @@ public:
     /// Remembers that a line with this hash was injected as it is, and forgets it once.
     void noteInjected(std::uint64_t lineHash);
     bool takeInjected(std::uint64_t lineHash) const;
+    bool isInjected(std::uint64_t lineHash) const;
+
+    /// Whether a holder of the mutex was ever taken for dead because it hung. It may wake up at
+    /// any time and spoil bytes.
+    bool hasHung() const;
+    void noteHang();
 
     /// Whether the owner that the header counts holds the owner's claim.
     bool ownerHasClaim() const;

@@ -57,6 +57,7 @@ public:
             m_reserve->noteInjected(vlbase::logging::lineHash(text));
         return text;
     }
+    void hang() { m_reserve->noteHang(); }
     void lose(std::uint64_t count)
     {
         for (; count > 0; --count) {
@@ -174,6 +175,13 @@ void tst_LineLedger::sealsOnly()
     QCOMPARE(ledger.judge(first).verdict, Verdict::Repeated);
     ACCEPTED(ledger.judge(log.injected("777777\tfrom elsewhere")), 0);
     ACCEPTED(ledger.judge(log.line()), 0);
+
+    // A holder that hung may wake up and leave a line's rear part behind.
+    ACCEPTED(ledger.judge("no number"), 0);
+    log.hang();
+    QCOMPARE(ledger.judge("no number").verdict, Verdict::Torn);
+    log.injected("as it is");
+    ACCEPTED(ledger.judge("as it is"), 0);
 
     // More than a whole period goes by unseen.
     log.lose(2000000);
