@@ -1,3 +1,5 @@
+#include "tests/support/startprogram.h"
+
 #include <VLBase/basetypes/datetime.h>
 #include <VLBase/basetypes/timestamp2qstring.h>
 
@@ -215,8 +217,7 @@ private slots:
             QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
             environment.insert(QStringLiteral("TZ"), QLatin1String(name));
             child.setProcessEnvironment(environment);
-            child.start(QCoreApplication::applicationFilePath(),
-                        QStringList(QStringLiteral("--answer")) + questions);
+            startThisProgram(child, QStringList(QStringLiteral("--answer")) + questions);
             QVERIFY(child.waitForFinished());
             QCOMPARE(QString::fromLatin1(child.readAll()).trimmed().split(u'\n'), expected);
         }

@@ -1,6 +1,7 @@
 #include "conductor.h"
 
 #include "processcontrol.h"
+#include "tests/support/startprogram.h"
 
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
@@ -23,11 +24,6 @@ class Probe : public CLogWriter
 public:
     using CMMShared::GetIndex;
 };
-
-QString vlbaseProgram()
-{
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/vlbase");
-}
 
 void end(QProcess& process)
 {
@@ -93,11 +89,10 @@ void Conductor::startOwner()
     m_owner = std::make_unique<QProcess>();
     m_owner->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_owner->setStandardOutputFile(QProcess::nullDevice());
-    m_owner->start(vlbaseProgram(),
-                   {QStringLiteral("log"), QStringLiteral("own"), QStringLiteral("--instance"),
-                    m_instance, QStringLiteral("--file"),
-                    m_directory.filePath(QStringLiteral("log")), QStringLiteral("--buffer-size"),
-                    QString::number(m_scenario.bufferBytes)});
+    startVlbase(*m_owner,
+                {QStringLiteral("log"), QStringLiteral("own"), QStringLiteral("--instance"),
+                 m_instance, QStringLiteral("--file"), m_directory.filePath(QStringLiteral("log")),
+                 QStringLiteral("--buffer-size"), QString::number(m_scenario.bufferBytes)});
 }
 
 void Conductor::startViewer()
@@ -105,8 +100,8 @@ void Conductor::startViewer()
     m_viewer = std::make_unique<QProcess>();
     m_viewer->setStandardOutputFile(QProcess::nullDevice());
     m_viewer->setStandardErrorFile(QProcess::nullDevice());
-    m_viewer->start(vlbaseProgram(), {QStringLiteral("log"), QStringLiteral("tail"),
-                                      QStringLiteral("--instance"), m_instance});
+    startVlbase(*m_viewer, {QStringLiteral("log"), QStringLiteral("tail"),
+                            QStringLiteral("--instance"), m_instance});
 }
 
 void Conductor::startWriter(Writer& writer)
@@ -114,11 +109,11 @@ void Conductor::startWriter(Writer& writer)
     writer.slot = m_nextSlot++;
     writer.process = std::make_unique<QProcess>();
     writer.process->setProcessChannelMode(QProcess::ForwardedChannels);
-    writer.process->start(QCoreApplication::applicationFilePath(),
-                          {QStringLiteral("writer"), m_instance,
-                           m_directory.filePath(QStringLiteral("tally")),
-                           QString::number(writer.slot), QString::number(m_scenario.linesPerWriter),
-                           QString::number(m_scenario.fullBufferWaitMs)});
+    startThisProgram(*writer.process,
+                     {QStringLiteral("writer"), m_instance,
+                      m_directory.filePath(QStringLiteral("tally")), QString::number(writer.slot),
+                      QString::number(m_scenario.linesPerWriter),
+                      QString::number(m_scenario.fullBufferWaitMs)});
 }
 
 void Conductor::dealBlows()
@@ -163,7 +158,6 @@ void Conductor::awaitProgress()
 void Conductor::killWriter()
 {
     Writer& writer = anyWriter();
-    writer.process->waitForStarted(processLimitMs);
     pause(10);
     end(*writer.process);
     startWriter(writer);
@@ -171,7 +165,6 @@ void Conductor::killWriter()
 
 void Conductor::killOwner()
 {
-    m_owner->waitForStarted(processLimitMs);
     pause(200);
     end(*m_owner);
     startOwner();
@@ -186,7 +179,6 @@ void Conductor::killViewer()
 void Conductor::stopWriter()
 {
     Writer& writer = anyWriter();
-    writer.process->waitForStarted(processLimitMs);
     m_stoppedSlots << writer.slot;
     if (!processcontrol::suspend(writer.process->processId()))
         m_faults << QStringLiteral("a writer could not be stopped");
@@ -197,7 +189,7 @@ void Conductor::stopWriter()
 void Conductor::hold()
 {
     QProcess holder;
-    holder.start(QCoreApplication::applicationFilePath(), {QStringLiteral("holder"), m_instance});
+    startThisProgram(holder, {QStringLiteral("holder"), m_instance});
     if (!holder.waitForReadyRead(processLimitMs))
         m_faults << QStringLiteral("the holder did not get the lock");
     QThread::msleep(3000);

@@ -1,4 +1,5 @@
 #include "../support/privatetemp.h"
+#include "tests/support/startprogram.h"
 
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/ilogtracer.h>
@@ -117,8 +118,7 @@ private Q_SLOTS:
         for (const Role& role : roles) {
             QProcess process;
             process.setProcessChannelMode(QProcess::ForwardedChannels);
-            process.start(QCoreApplication::applicationFilePath(),
-                          {QStringLiteral("--role"), QString::number(&role - roles)});
+            startThisProgram(process, {QStringLiteral("--role"), QString::number(&role - roles)});
             QVERIFY(process.waitForFinished(60000));
             QCOMPARE(process.exitStatus(), QProcess::NormalExit);
             QCOMPARE(process.exitCode(), 0);

@@ -1,5 +1,6 @@
 #include "helperrole.h"
 #include "testlog.h"
+#include "tests/support/startprogram.h"
 
 #include <VLBase/logging/livelogreader.h>
 #include <VLBase/logging/logowner.h>
@@ -26,8 +27,7 @@ public:
     Helper()
     {
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.start(QCoreApplication::applicationFilePath(),
-                        {QStringLiteral("helper"), logInstance()});
+        startThisProgram(m_process, {QStringLiteral("helper"), logInstance()});
     }
     ~Helper()
     {

@@ -1,4 +1,5 @@
 #include "../support/privatetemp.h"
+#include "tests/support/startprogram.h"
 
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/logging/blocktrace.h>
@@ -140,7 +141,7 @@ private Q_SLOTS:
         QSKIP("the text goes to a debugger, which this test is not");
 #endif
         QProcess process;
-        process.start(QCoreApplication::applicationFilePath(), {QLatin1String(debuggerRole)});
+        startThisProgram(process, {QLatin1String(debuggerRole)});
         QVERIFY(process.waitForFinished() && process.exitCode() == 0);
         const QString written = QString::fromUtf8(process.readAllStandardError());
         const QRegularExpression form(

@@ -1,5 +1,7 @@
 // What a user sees and hears: icons of the icon library, opened documents, sounds.
 
+#include "tests/support/startprogram.h"
+
 #include <VLBase/os/velaos.h>
 
 #include <QGuiApplication>
@@ -108,7 +110,7 @@ private slots:
             ::setsid();
             ::open(name.constData(), O_RDWR);
         });
-        player.start(QCoreApplication::applicationFilePath(), {QStringLiteral("play")});
+        startThisProgram(player, {QStringLiteral("play")});
         QVERIFY(player.waitForFinished());
         QCOMPARE(player.exitCode(), 0);
         std::array<char, 8> heard{};

@@ -1,6 +1,8 @@
 // The one object of the process: what must hold across its threads, and what it says about this
 // machine against what the test knows of it by other ways.
 
+#include "tests/support/startprogram.h"
+
 #include <VLBase/os/velaos.h>
 #include <VLBase/os/velasystem.h>
 #include <VLBase/platform/debugoutput.h>
@@ -160,7 +162,7 @@ private slots:
     {
         for (const bool terminated : {false, true}) {
             QProcess child;
-            child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("child")});
+            startThisProgram(child, {QStringLiteral("child")});
             QVERIFY(child.waitForReadyRead());
             if (terminated)
                 QVERIFY(os().TerminateHiddenLegacyProgram(static_cast<int>(child.processId())));

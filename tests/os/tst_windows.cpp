@@ -1,6 +1,8 @@
 // Windows of other processes, on a display of the test's own. This program, copied under a name
 // that no other process has, is the application: it tells over a connection how it sees itself.
 
+#include "tests/support/startprogram.h"
+
 #include <VLBase/os/processinformation.h>
 #include <VLBase/os/terminationlistener.h>
 #include <VLBase/os/velaos.h>
@@ -144,8 +146,8 @@ public:
         environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(program,
-                      {QStringLiteral("application"), QString::number(m_server.serverPort())});
+        startProgram(process, program,
+                     {QStringLiteral("application"), QString::number(m_server.serverPort())});
         if (m_server.waitForNewConnection(limitMs))
             m_socket.reset(m_server.nextPendingConnection());
         window = readLine().toULongLong();
@@ -364,9 +366,9 @@ private slots:
         const QSignalSpy heard(&own, &TerminationListener::terminationRequested);
         QProcess viewer;
         viewer.setReadChannel(QProcess::StandardError);
-        viewer.start(QCoreApplication::applicationDirPath() + QStringLiteral("/vlbase"),
-                     {QStringLiteral("log"), QStringLiteral("tail"), QStringLiteral("--instance"),
-                      QFileInfo(m_program).completeBaseName()});
+        startVlbase(viewer,
+                    {QStringLiteral("log"), QStringLiteral("tail"), QStringLiteral("--instance"),
+                     QFileInfo(m_program).completeBaseName()});
         QVERIFY(viewer.waitForReadyRead(limitMs)); // that it waits for an owner
 
         // The viewer may begin to listen only later.

@@ -3,6 +3,7 @@
 
 #include "../support/notingdialog.h"
 #include "../support/privatetemp.h"
+#include "tests/support/startprogram.h"
 
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/message.h>
@@ -141,7 +142,7 @@ void RoadTest::withoutAnOwnerTheTextFileTakesIt()
 
 void RoadTest::withAnOwnerEverySinkInItsOrder()
 {
-    m_owner.start(QCoreApplication::applicationFilePath(), {QStringLiteral("owner"), m_instance});
+    startThisProgram(m_owner, {QStringLiteral("owner"), m_instance});
     QVERIFY(m_owner.waitForReadyRead(limitMs));
     QCOMPARE(m_owner.readLine().trimmed(), QByteArrayLiteral("open"));
     const QString before = logText(m_directory);

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QCoreApplication>
+#include "tests/support/startprogram.h"
+
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -21,7 +22,7 @@ inline Outcome runTool(const QStringList& arguments, const QByteArray& input = {
     QProcess process;
     if (!outputFile.isEmpty())
         process.setStandardOutputFile(outputFile);
-    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/vlbase"), arguments);
+    startVlbase(process, arguments);
     process.write(input);
     process.closeWriteChannel();
     if (!process.waitForFinished(60'000) || process.exitStatus() != QProcess::NormalExit)

@@ -1,5 +1,7 @@
 // The verb that shows stored window geometries, as a program.
 
+#include "tests/support/startprogram.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -20,8 +22,7 @@ const QString recordHex =
 QString run(const QStringList& arguments)
 {
     QProcess process;
-    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/vlbase"),
-                  QStringList(QStringLiteral("geometry")) + arguments);
+    startVlbase(process, QStringList(QStringLiteral("geometry")) + arguments);
     if (!process.waitForFinished())
         return QStringLiteral("does not end");
     const QByteArray output = process.readAllStandardOutput();

@@ -1,5 +1,7 @@
 // The verbs of the log as programs: owners, senders and viewers in processes of their own.
 
+#include "tests/support/startprogram.h"
+
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
 #include <VLBase/logging/logviewerclaim.h>
@@ -37,8 +39,7 @@ public:
         // Before a "--" that may be among the arguments.
         arguments.insert(2, QStringLiteral("--instance"));
         arguments.insert(3, instance);
-        m_process.setProgram(QCoreApplication::applicationDirPath() + QStringLiteral("/vlbase"));
-        m_process.setArguments(arguments);
+        m_arguments = arguments;
     }
     /// Asks first: a killed program leaves the log's named objects to the next one that looks.
     ~Verb()
@@ -51,7 +52,7 @@ public:
     }
 
     QProcess& process() { return m_process; }
-    void start() { m_process.start(); }
+    void start() { startVlbase(m_process, m_arguments); }
     void write(const QByteArray& text) { m_process.write(text); }
 
     /// Waits until the program has said this on standard error.
@@ -87,6 +88,7 @@ public:
 
 private:
     QProcess m_process;
+    QStringList m_arguments;
     QByteArray m_errors;
 };
 
@@ -178,7 +180,8 @@ Verb& LogVerbsTest::startOwner(const char* options)
                         QStringList{QStringLiteral("--file"), file()} +
                             QString::fromLatin1(options).split(u' ', Qt::SkipEmptyParts));
     if (!owner.says("writing to "))
-        qWarning("no owner: %s", owner.errors().constData());
+        qWarning("no owner (%s, status %d): %s", qPrintable(owner.process().errorString()),
+                 owner.process().exitCode(), owner.errors().constData());
     return owner;
 }
 

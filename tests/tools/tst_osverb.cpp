@@ -1,5 +1,7 @@
 // The verb that shows what the operating-system service sees, as a program.
 
+#include "tests/support/startprogram.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QJsonDocument>
@@ -16,8 +18,7 @@ private:
     static QByteArray outputOf(const QStringList& arguments)
     {
         QProcess process;
-        process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/vlbase"),
-                      QStringList(QStringLiteral("os")) + arguments);
+        startVlbase(process, QStringList(QStringLiteral("os")) + arguments);
         process.waitForFinished();
         return QByteArray::number(process.exitCode()) + '\n' +
                process.readAllStandardOutput().replace('\r', "");

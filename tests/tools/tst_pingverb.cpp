@@ -1,5 +1,6 @@
 // `vlbase ping` as a program.
 
+#include "tests/support/startprogram.h"
 #include "tools/vlbase/ping/roundtrips.h"
 
 #include <VLBase/os/velaos.h>
@@ -17,8 +18,8 @@ class Ping : public QProcess
 public:
     explicit Ping(const QString& arguments)
     {
-        start(QCoreApplication::applicationDirPath() + QStringLiteral("/vlbase"),
-              QStringList(QStringLiteral("ping")) + arguments.split(u' ', Qt::SkipEmptyParts));
+        startVlbase(*this, QStringList(QStringLiteral("ping")) +
+                               arguments.split(u' ', Qt::SkipEmptyParts));
     }
 
     int finish()
