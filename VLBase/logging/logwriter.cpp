@@ -6,6 +6,7 @@
 #include <VLBase/logging/logregistration.h>
 
 #include <QHostInfo>
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <chrono>
@@ -18,10 +19,16 @@ using vlbase::logging::LineTime;
 using vlbase::logging::LogAttachment;
 using vlbase::logging::LogImage;
 using vlbase::logging::Role;
+using vlbase::platform::LockResult;
+
+using namespace std::chrono;
 
 namespace {
 
 constexpr int writerRole = 1;
+
+// How long a writer that waits for room leaves the mutex unlooked at.
+constexpr milliseconds longestLookAway(20);
 
 QString unknownModule()
 {
@@ -149,9 +156,9 @@ void CLogWriter::sendFields(std::initializer_list<QStringView> fields)
     }
     line.cutAtZero();
     lineTime.update();
-    waitForRoom();
 
-    const Lock lock(this);
+    lockWithRoom();
+    const auto unlock = qScopeGuard([this] { UnLockData(); });
     LogAttachment& attachment = registration()->attachment();
     const LogAttachment::Number taken = attachment.takeNumber();
     lineTime.update();
@@ -159,19 +166,38 @@ void CLogWriter::sendFields(std::initializer_list<QStringView> fields)
         attachment.add(line.complete(taken.number, lineTime.text()), taken.position);
 }
 
-void CLogWriter::waitForRoom()
+// Whoever waits for room looks at the mutex every now and then: behind a holder that hangs there
+// will be none, and the wait must not add to the one for the mutex.
+void CLogWriter::lockWithRoom()
 {
-    using namespace std::chrono;
     LogAttachment& attachment = registration()->attachment();
-    const LogImage& image = attachment.image();
-    const auto isFull = [&image] { return image.fill(1) > image.bufferSize() / 4 * 3; };
     // The owner cannot make room for a thread that keeps it out.
-    if (m_fullBufferWait == 0 || !isFull() || attachment.isLockedByThisThread())
+    if (m_fullBufferWait == 0 || !isFull() || attachment.isLockedByThisThread()) {
+        LockData();
         return;
+    }
     const auto end = steady_clock::now() + milliseconds(m_fullBufferWait);
+    bool isDone = false;
+    while (!isDone) {
+        sleepWhileFull(std::min(end, steady_clock::now() + longestLookAway));
+        const bool hasHung = attachment.lock() == LockResult::TimedOut;
+        isDone = hasHung || !isFull() || !IsWriterAvailable() || steady_clock::now() >= end;
+        if (!isDone)
+            attachment.unlock();
+    }
+}
+
+void CLogWriter::sleepWhileFull(steady_clock::time_point end)
+{
     microseconds pause(50);
-    while (isFull() && IsWriterAvailable() && steady_clock::now() < end) {
+    while (steady_clock::now() < end && isFull() && IsWriterAvailable()) {
         std::this_thread::sleep_for(pause);
         pause = std::min(pause + pause / 2, microseconds(200));
     }
+}
+
+bool CLogWriter::isFull() const
+{
+    const LogImage& image = registration()->attachment().image();
+    return image.fill(1) > image.bufferSize() / 4 * 3;
 }

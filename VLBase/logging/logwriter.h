@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <chrono>
 #include <initializer_list>
 
 class ILogData;
@@ -54,7 +55,9 @@ public:
 
     /// How long a send may wait, in milliseconds, for the owner to make room when more than
     /// three quarters of its half are full. 0, the default, never waits: the oldest lines then
-    /// make room and are lost. Values below 0 count as 0. Nobody waits without an owner.
+    /// make room and are lost. Values below 0 count as 0. Nobody waits without an owner,
+    /// nor for long behind a program that hangs with the log's lock: then the rule of the lock's
+    /// 2000 ms ends this wait too.
     void SetFullBufferWait(int milliseconds);
     int GetFullBufferWait() const;
 
@@ -65,7 +68,9 @@ protected:
 private:
     void sendFields(std::initializer_list<QStringView> fields);
     void rebuildNames();
-    void waitForRoom();
+    void lockWithRoom();
+    void sleepWhileFull(std::chrono::steady_clock::time_point end);
+    bool isFull() const;
 
     QString m_stationName;
     QString m_moduleName;

@@ -252,8 +252,9 @@ void tst_SharedLog::hangingHolder()
 {
     TestShared owner(0, 500);
     CLogWriter writer;
-    writer.SendError(QStringLiteral("before"), QString(), QString());
+    writer.SendError(QString(350, u'x'), QString(), QString());
     QCOMPARE(owner.lines(0).size(), 1u);
+    writer.SetFullBufferWait(60'000); // for the room that nobody can make meanwhile
     std::atomic<bool> held{false};
     std::atomic<bool> enough{false};
     std::thread holder([&] {
