@@ -1,4 +1,4 @@
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/basetypes/datetime.h>
 #include <VLBase/basetypes/timestamp2qstring.h>
@@ -218,7 +218,7 @@ private slots:
             environment.insert(QStringLiteral("TZ"), QLatin1String(name));
             child.setProcessEnvironment(environment);
             startThisProgram(child, QStringList(QStringLiteral("--answer")) + questions);
-            QVERIFY(child.waitForFinished());
+            QVERIFY(awaitEnd(child));
             QCOMPARE(QString::fromLatin1(child.readAll()).trimmed().split(u'\n'), expected);
         }
     }

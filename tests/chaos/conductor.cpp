@@ -1,7 +1,7 @@
 #include "conductor.h"
 
 #include "processcontrol.h"
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
@@ -28,7 +28,7 @@ public:
 void end(QProcess& process)
 {
     process.kill();
-    process.waitForFinished(processLimitMs);
+    awaitEnd(process, processLimitMs);
 }
 
 QString uniqueInstance()
@@ -194,7 +194,7 @@ void Conductor::hold()
         m_faults << QStringLiteral("the holder did not get the lock");
     QThread::msleep(3000);
     holder.closeWriteChannel();
-    if (!holder.waitForFinished(processLimitMs)) {
+    if (!awaitEnd(holder, processLimitMs)) {
         m_faults << QStringLiteral("the holder did not end");
         end(holder);
     }
@@ -203,7 +203,7 @@ void Conductor::hold()
 void Conductor::awaitWriters()
 {
     for (Writer& writer : m_writers) {
-        if (writer.process->waitForFinished(10 * processLimitMs) && writer.process->exitCode() == 0)
+        if (awaitEnd(*writer.process, 10 * processLimitMs) && writer.process->exitCode() == 0)
             continue;
         m_faults << QStringLiteral("writer %1 did not end well: %2")
                         .arg(writer.slot)

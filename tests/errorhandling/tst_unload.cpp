@@ -1,5 +1,5 @@
 #include "../support/privatetemp.h"
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/ilogtracer.h>
@@ -119,7 +119,7 @@ private Q_SLOTS:
             QProcess process;
             process.setProcessChannelMode(QProcess::ForwardedChannels);
             startThisProgram(process, {QStringLiteral("--role"), QString::number(&role - roles)});
-            QVERIFY(process.waitForFinished(60000));
+            QVERIFY(awaitEnd(process));
             QCOMPARE(process.exitStatus(), QProcess::NormalExit);
             QCOMPARE(process.exitCode(), 0);
 

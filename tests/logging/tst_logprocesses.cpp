@@ -1,6 +1,6 @@
 #include "helperrole.h"
 #include "testlog.h"
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/logging/livelogreader.h>
 #include <VLBase/logging/logowner.h>
@@ -32,7 +32,7 @@ public:
     ~Helper()
     {
         m_process.closeWriteChannel();
-        m_process.waitForFinished();
+        awaitEnd(m_process);
     }
     QByteArray tell(const char* command)
     {
@@ -47,7 +47,7 @@ public:
     void kill()
     {
         m_process.kill();
-        m_process.waitForFinished();
+        awaitEnd(m_process);
     }
 
 private:

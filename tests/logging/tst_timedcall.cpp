@@ -1,5 +1,5 @@
 #include "../support/privatetemp.h"
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/logging/blocktrace.h>
@@ -142,7 +142,7 @@ private Q_SLOTS:
 #endif
         QProcess process;
         startThisProgram(process, {QLatin1String(debuggerRole)});
-        QVERIFY(process.waitForFinished() && process.exitCode() == 0);
+        QVERIFY(awaitEnd(process) && process.exitCode() == 0);
         const QString written = QString::fromUtf8(process.readAllStandardError());
         const QRegularExpression form(
             u"^sweep \u00b5 %2 Time \\d+\\.\\d\\dms\n Time \\d+\\.\\d\\dms\n$"_qs);

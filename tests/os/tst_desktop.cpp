@@ -1,6 +1,6 @@
 // What a user sees and hears: icons of the icon library, opened documents, sounds.
 
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/os/velaos.h>
 
@@ -111,7 +111,7 @@ private slots:
             ::open(name.constData(), O_RDWR);
         });
         startThisProgram(player, {QStringLiteral("play")});
-        QVERIFY(player.waitForFinished());
+        QVERIFY(awaitEnd(player));
         QCOMPARE(player.exitCode(), 0);
         std::array<char, 8> heard{};
         QCOMPARE(::read(terminal, heard.data(), heard.size()), 2);

@@ -1,7 +1,7 @@
 // The one object of the process: what must hold across its threads, and what it says about this
 // machine against what the test knows of it by other ways.
 
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/os/velaos.h>
 #include <VLBase/os/velasystem.h>
@@ -168,7 +168,7 @@ private slots:
                 QVERIFY(os().TerminateHiddenLegacyProgram(static_cast<int>(child.processId())));
             else
                 child.closeWriteChannel();
-            QVERIFY(child.waitForFinished());
+            QVERIFY(awaitEnd(child));
             QCOMPARE(child.readAllStandardOutput(), terminated ? "ready" : "ready works");
             QCOMPARE(child.readAllStandardError(), onWindows ? "" : "a \u00e9 \u20ac b\n");
             QCOMPARE(child.exitCode() == 1, !terminated);

@@ -1,7 +1,7 @@
 // Windows of other processes, on a display of the test's own. This program, copied under a name
 // that no other process has, is the application: it tells over a connection how it sees itself.
 
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/os/processinformation.h>
 #include <VLBase/os/terminationlistener.h>
@@ -155,7 +155,7 @@ public:
     ~Application()
     {
         process.kill();
-        process.waitForFinished(limitMs);
+        awaitEnd(process, limitMs);
     }
 
     int id() const { return static_cast<int>(process.processId()); }
@@ -376,8 +376,7 @@ private slots:
             (os().BroadcastTerminationMessage(), viewer.state() == QProcess::NotRunning), limitMs);
         QCOMPARE(viewer.exitCode(), 0);
         for (Application* application : {&one, &two}) {
-            QVERIFY(application->process.state() == QProcess::NotRunning ||
-                    application->process.waitForFinished(limitMs));
+            QVERIFY(awaitEnd(application->process, limitMs));
             QCOMPARE(application->process.exitCode(), quitStatus);
         }
         QTest::qWait(50); // in which its own messages would come

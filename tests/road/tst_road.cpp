@@ -3,7 +3,7 @@
 
 #include "../support/notingdialog.h"
 #include "../support/privatetemp.h"
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/message.h>
@@ -112,7 +112,7 @@ void RoadTest::cleanupTestCase()
     ErrorHandler::SetMessageDlg(nullptr);
     ErrorHandler::SetLogTracer(nullptr);
     m_owner.closeWriteChannel();
-    QVERIFY(m_owner.waitForFinished(limitMs));
+    QVERIFY(awaitEnd(m_owner, limitMs));
 }
 
 QStringList RoadTest::drainedByOwner()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <QProcess>
 #include <QString>
@@ -25,7 +25,7 @@ inline Outcome runTool(const QStringList& arguments, const QByteArray& input = {
     startVlbase(process, arguments);
     process.write(input);
     process.closeWriteChannel();
-    if (!process.waitForFinished(60'000) || process.exitStatus() != QProcess::NormalExit)
+    if (!awaitEnd(process) || process.exitStatus() != QProcess::NormalExit)
         return {-1, {}, process.errorString()};
     const auto text = [](const QByteArray& bytes) {
         return QString::fromUtf8(bytes).remove(QLatin1Char('\r'));

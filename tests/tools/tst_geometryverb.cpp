@@ -1,6 +1,6 @@
 // The verb that shows stored window geometries, as a program.
 
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -23,7 +23,7 @@ QString run(const QStringList& arguments)
 {
     QProcess process;
     startVlbase(process, QStringList(QStringLiteral("geometry")) + arguments);
-    if (!process.waitForFinished())
+    if (!awaitEnd(process))
         return QStringLiteral("does not end");
     const QByteArray output = process.readAllStandardOutput();
     const QByteArray errors = process.readAllStandardError();

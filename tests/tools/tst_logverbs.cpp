@@ -1,6 +1,6 @@
 // The verbs of the log as programs: owners, senders and viewers in processes of their own.
 
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
@@ -46,9 +46,9 @@ public:
     {
         m_process.closeWriteChannel();
         m_process.terminate();
-        m_process.waitForFinished(3000);
+        awaitEnd(m_process, 3000);
         m_process.kill();
-        m_process.waitForFinished(limitMs);
+        awaitEnd(m_process, limitMs);
     }
 
     QProcess& process() { return m_process; }
@@ -58,16 +58,14 @@ public:
     /// Waits until the program has said this on standard error.
     bool says(const QByteArray& text)
     {
-        m_process.setReadChannel(QProcess::StandardError);
-        QElapsedTimer time;
-        time.start();
-        while (!m_errors.contains(text) && time.elapsed() < limitMs) {
-            if (m_process.bytesAvailable() == 0 && !m_process.waitForReadyRead(1000) &&
-                m_process.state() == QProcess::NotRunning)
-                break;
+        const auto isSaid = [&] {
             m_errors += m_process.readAllStandardError();
-        }
-        return m_errors.contains(text);
+            return m_errors.contains(text);
+        };
+        return QTest::qWaitFor(
+                   [&] { return isSaid() || m_process.state() == QProcess::NotRunning; },
+                   limitMs) &&
+               isSaid();
     }
 
     /// Waits for the end.
@@ -75,7 +73,7 @@ public:
     int finish()
     {
         m_process.closeWriteChannel();
-        m_process.waitForFinished(limitMs);
+        awaitEnd(m_process, limitMs);
         m_errors += m_process.readAllStandardError();
         return m_process.exitStatus() == QProcess::NormalExit &&
                        m_process.state() == QProcess::NotRunning
@@ -250,7 +248,7 @@ void LogVerbsTest::everyLineOnceThroughKilledOwners()
             QTest::qWait(1);
         }
         owner->process().kill();
-        QVERIFY(owner->process().waitForFinished(limitMs));
+        QVERIFY(awaitEnd(owner->process(), limitMs));
         QFile torn(file());
         QVERIFY(torn.open(QIODevice::Append));
         torn.write("9999"); // As if the kill had come in the middle of a write.
@@ -280,7 +278,6 @@ void LogVerbsTest::rotatesUnderLoad()
     viewers[1] = &start("tail --json --summary --count 50000");
     QVERIFY(viewers[1]->says("showing the log from"));
     QCOMPARE(start("send event mark").finish(), 0);
-    viewers[0]->process().setReadChannel(QProcess::StandardOutput);
     QVERIFY(viewers[0]->process().waitForReadyRead(limitMs)); // what it misses now is a gap
     QCOMPARE(sendLines(numbers("n", 49'999).join('\n')), QByteArray());
     for (Verb* viewer : viewers) {
@@ -315,7 +312,6 @@ void LogVerbsTest::fullDiskLosesNothing()
     Verb& keeper = startOwner();
     Verb& viewer = start("tail --quiet --seconds 1000");
     QCOMPARE(start("send event mark").finish(), 0);
-    viewer.process().setReadChannel(QProcess::StandardOutput);
     QVERIFY(viewer.process().waitForReadyRead(limitMs));
     QCOMPARE(keeper.finish(), 0);
     Verb owner(m_instance, {QStringLiteral("own"), QStringLiteral("--end-with-input"),

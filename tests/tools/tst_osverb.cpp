@@ -1,6 +1,6 @@
 // The verb that shows what the operating-system service sees, as a program.
 
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -19,7 +19,7 @@ private:
     {
         QProcess process;
         startVlbase(process, QStringList(QStringLiteral("os")) + arguments);
-        process.waitForFinished();
+        awaitEnd(process);
         return QByteArray::number(process.exitCode()) + '\n' +
                process.readAllStandardOutput().replace('\r', "");
     }

@@ -1,6 +1,6 @@
 // `vlbase ping` as a program.
 
-#include "tests/support/startprogram.h"
+#include "tests/support/program.h"
 #include "tools/vlbase/ping/roundtrips.h"
 
 #include <VLBase/os/velaos.h>
@@ -24,7 +24,7 @@ public:
 
     int finish()
     {
-        const bool isEnded = waitForFinished(limitMs) && exitStatus() == NormalExit;
+        const bool isEnded = awaitEnd(*this, limitMs) && exitStatus() == NormalExit;
         return isEnded ? exitCode() : -1;
     }
     QString output() { return QString::fromUtf8(readAllStandardOutput()).remove(u'\r'); }

@@ -4,6 +4,7 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTest>
 
 /// Starts a program that is known to be there.
 ///
@@ -35,4 +36,14 @@ inline bool startVlbase(QProcess& process, const QStringList& arguments)
 inline bool startThisProgram(QProcess& process, const QStringList& arguments)
 {
     return startProgram(process, QCoreApplication::applicationFilePath(), arguments);
+}
+
+/// Waits for the end of a program, in the event loop.
+///
+/// `QProcess::waitForFinished` deletes the notifier of the end while a thread of the system may
+/// still run it. Under Wine 8 that crashed one waiting test program in a thousand.
+/// \return whether it has ended
+inline bool awaitEnd(const QProcess& process, int limitMs = 60'000)
+{
+    return QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, limitMs);
 }
