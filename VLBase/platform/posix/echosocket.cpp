@@ -259,7 +259,9 @@ std::optional<IcmpMessage::News> EchoSocket::receiveReply(const IcmpMessage& req
 {
     Received received(m_socket, m_buffer, 0);
     if (received.size < 0) {
-        if (errno == EAGAIN || errno == EINTR)
+        // A datagram socket shows its latest error here as well, whichever of its requests that
+        // is about; the queue tells.
+        if (!m_isRaw || errno == EAGAIN || errno == EINTR)
             return std::nullopt;
         return IcmpMessage::News{statusOfError(errno), 0};
     }
