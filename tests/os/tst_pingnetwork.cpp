@@ -36,6 +36,16 @@ QByteArray told(const Icmp_Echo_Result& result)
     return QByteArray::number(result.replies) + ' ' + result.message.toUtf8();
 }
 
+/// What is told of a host that cannot be reached. A kernel leaves out an error message now and
+/// then, by its own counters: once in some hundred requests here.
+QByteArray errorFrom(const char* host)
+{
+    Icmp_Echo_Result result;
+    for (int tries = 0; tries == 0 || (result.message == u"IP Timeout." && tries < 3); ++tries)
+        result = os().Ping(4, 10'000, host);
+    return told(result);
+}
+
 void dropPrivilegesOfThread()
 {
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
@@ -117,7 +127,7 @@ private slots:
         for (const bool datagrams : {true, false}) {
             QVERIFY(useDatagrams(datagrams));
             for (const auto& [host, answer] : expected)
-                QVERIFY2(told(os().Ping(4, 20'000, host)) == answer, host);
+                QVERIFY2(errorFrom(host) == answer, host);
         }
     }
 
