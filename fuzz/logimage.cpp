@@ -1,7 +1,7 @@
+#include <VLBase/logging/internal/logimage.h>
+#include <VLBase/logging/internal/logreserve.h>
+#include <VLBase/logging/internal/logstaging.h>
 #include <VLBase/logging/lineledger.h>
-#include <VLBase/logging/logimage.h>
-#include <VLBase/logging/logreserve.h>
-#include <VLBase/logging/logstaging.h>
 
 #include <algorithm>
 #include <cstdint>

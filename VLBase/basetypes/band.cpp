@@ -1,6 +1,6 @@
 #include "band.h"
 
-#include <VLBase/basetypes/channelmath.h>
+#include <VLBase/basetypes/internal/channelmath.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 #include <VLBase/basetypes/band.h>
-#include <VLBase/basetypes/channelmath.h>
+#include <VLBase/basetypes/internal/channelmath.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "band.h"
 
-#include <VLBase/basetypes/channelmath.h>
+#include <VLBase/basetypes/internal/channelmath.h>
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/quality.h>
 

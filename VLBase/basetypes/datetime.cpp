@@ -1,6 +1,6 @@
 #include "datetime.h"
 
-#include <VLBase/basetypes/civiltime.h>
+#include <VLBase/basetypes/internal/civiltime.h>
 
 #include <array>
 #include <cmath>

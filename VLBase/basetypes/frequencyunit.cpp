@@ -1,6 +1,6 @@
 #include "frequencyunit.h"
 
-#include <VLBase/basetypes/unitfamily.h>
+#include <VLBase/basetypes/internal/unitfamily.h>
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "timestamp2qstring.h"
 
-#include <VLBase/basetypes/civiltime.h>
+#include <VLBase/basetypes/internal/civiltime.h>
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "timeunit.h"
 
-#include <VLBase/basetypes/unitfamily.h>
+#include <VLBase/basetypes/internal/unitfamily.h>
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "token.h"
 
-#include <VLBase/basetypes/delimiters.h>
+#include <VLBase/basetypes/internal/delimiters.h>
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/quality.h>
 

@@ -1,7 +1,7 @@
 #include "coord.h"
 
-#include <VLBase/coord/coordtext.h>
-#include <VLBase/coord/formattable.h>
+#include <VLBase/coord/internal/coordtext.h>
+#include <VLBase/coord/internal/formattable.h>
 #include <VLBase/coord/maskconv.h>
 
 #include <cmath>

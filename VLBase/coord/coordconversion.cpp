@@ -1,11 +1,11 @@
 #include "coordconversion.h"
 
-#include <VLBase/coord/coordtext.h>
-#include <VLBase/coord/degrees.h>
-#include <VLBase/coord/ellipsoidtable.h>
-#include <VLBase/coord/formattable.h>
-#include <VLBase/coord/utmseries.h>
-#include <VLBase/coord/utmzones.h>
+#include <VLBase/coord/internal/coordtext.h>
+#include <VLBase/coord/internal/degrees.h>
+#include <VLBase/coord/internal/ellipsoidtable.h>
+#include <VLBase/coord/internal/formattable.h>
+#include <VLBase/coord/internal/utmseries.h>
+#include <VLBase/coord/internal/utmzones.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "coordformat.h"
 
-#include <VLBase/coord/formattable.h>
+#include <VLBase/coord/internal/formattable.h>
 
 #include <QCoreApplication>
 

@@ -1,6 +1,6 @@
 #include "maskconv.h"
 
-#include <VLBase/coord/mask.h>
+#include <VLBase/coord/internal/mask.h>
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/quality.h>
 

@@ -1,13 +1,13 @@
 #include "merccoordtrans.h"
 
-#include <VLBase/coord/datumshift.h>
-#include <VLBase/coord/datumtable.h>
-#include <VLBase/coord/degrees.h>
-#include <VLBase/coord/gridreference.h>
-#include <VLBase/coord/projectiontable.h>
-#include <VLBase/coord/rt90gon.h>
-#include <VLBase/coord/rt90zones.h>
-#include <VLBase/coord/utmzones.h>
+#include <VLBase/coord/internal/datumshift.h>
+#include <VLBase/coord/internal/datumtable.h>
+#include <VLBase/coord/internal/degrees.h>
+#include <VLBase/coord/internal/gridreference.h>
+#include <VLBase/coord/internal/projectiontable.h>
+#include <VLBase/coord/internal/rt90gon.h>
+#include <VLBase/coord/internal/rt90zones.h>
+#include <VLBase/coord/internal/utmzones.h>
 
 #include <cstddef>
 

@@ -1,7 +1,7 @@
 #include "utm.h"
 
-#include <VLBase/coord/textbuffer.h>
-#include <VLBase/coord/utmseries.h>
+#include <VLBase/coord/internal/textbuffer.h>
+#include <VLBase/coord/internal/utmseries.h>
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 #include "errorhandler.h"
 
-#include "qualitylock.h"
+#include "internal/qualitylock.h"
 
 #include <VLBase/errorhandling/ilogtracer.h>
 #include <VLBase/errorhandling/imessagedialog.h>

@@ -1,8 +1,8 @@
 #include "quality.h"
 
-#include "methodquality.h"
-#include "qualitylock.h"
-#include "wideformat.h"
+#include "internal/methodquality.h"
+#include "internal/qualitylock.h"
+#include "internal/wideformat.h"
 
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/vlexception.h>

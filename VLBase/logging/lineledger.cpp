@@ -1,8 +1,8 @@
 #include "lineledger.h"
 
-#include <VLBase/logging/linehash.h>
-#include <VLBase/logging/lineindex.h>
-#include <VLBase/logging/logreserve.h>
+#include <VLBase/logging/internal/linehash.h>
+#include <VLBase/logging/internal/lineindex.h>
+#include <VLBase/logging/internal/logreserve.h>
 
 #include <algorithm>
 #include <limits>

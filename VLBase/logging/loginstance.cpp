@@ -1,7 +1,7 @@
 #include "loginstance.h"
 
-#include <VLBase/logging/logobjects.h>
-#include <VLBase/logging/logregistration.h>
+#include <VLBase/logging/internal/logobjects.h>
+#include <VLBase/logging/internal/logregistration.h>
 
 #include <algorithm>
 #include <string>

@@ -1,6 +1,6 @@
 #include "logowner.h"
 
-#include <VLBase/logging/logregistration.h>
+#include <VLBase/logging/internal/logregistration.h>
 
 #include <algorithm>
 #include <limits>

@@ -1,10 +1,10 @@
 #include "logstatus.h"
 
-#include <VLBase/logging/lineindex.h>
-#include <VLBase/logging/logimage.h>
-#include <VLBase/logging/logobjects.h>
-#include <VLBase/logging/logreserve.h>
-#include <VLBase/logging/logviewerclaim.h>
+#include <VLBase/logging/internal/lineindex.h>
+#include <VLBase/logging/internal/logimage.h>
+#include <VLBase/logging/internal/logobjects.h>
+#include <VLBase/logging/internal/logreserve.h>
+#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/platform/namedclaim.h>
 #include <VLBase/platform/namedmapping.h>
 #include <VLBase/platform/namedmutex.h>

@@ -1,9 +1,9 @@
 #include "logwriter.h"
 
 #include <VLBase/logging/ilogdata.h>
-#include <VLBase/logging/linebuffer.h>
-#include <VLBase/logging/linetime.h>
-#include <VLBase/logging/logregistration.h>
+#include <VLBase/logging/internal/linebuffer.h>
+#include <VLBase/logging/internal/linetime.h>
+#include <VLBase/logging/internal/logregistration.h>
 
 #include <QHostInfo>
 #include <QScopeGuard>

@@ -1,7 +1,7 @@
 #include "mmshared.h"
 
-#include <VLBase/logging/lineindex.h>
-#include <VLBase/logging/logregistration.h>
+#include <VLBase/logging/internal/lineindex.h>
+#include <VLBase/logging/internal/logregistration.h>
 
 #include <string_view>
 

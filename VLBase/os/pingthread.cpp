@@ -1,6 +1,6 @@
 #include "pingthread.h"
 
-#include "ping.h"
+#include "internal/ping.h"
 
 #include <VLBase/os/velaos.h>
 

@@ -1,6 +1,6 @@
 #include "qfiledialoghelpers.h"
 
-#include <VLBase/qthelpers/lastowner.h>
+#include <VLBase/qthelpers/internal/lastowner.h>
 #include <VLBase/qthelpers/signalhandler.h>
 
 #include <QTimer>

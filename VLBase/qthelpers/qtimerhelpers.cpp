@@ -1,7 +1,7 @@
 #include "qtimerhelpers.h"
 
-#include <VLBase/qthelpers/lastowner.h>
-#include <VLBase/qthelpers/qlambdatimer.h>
+#include <VLBase/qthelpers/internal/lastowner.h>
+#include <VLBase/qthelpers/internal/qlambdatimer.h>
 
 #include <utility>
 

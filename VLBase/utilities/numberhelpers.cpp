@@ -1,6 +1,6 @@
 #include "numberhelpers.h"
 
-#include <VLBase/utilities/plainnumber.h>
+#include <VLBase/utilities/internal/plainnumber.h>
 
 #include <QStringList>
 

@@ -1,10 +1,10 @@
 #include "sharedlog.h"
 
-#include <VLBase/logging/drainpace.h>
+#include <VLBase/logging/internal/drainpace.h>
+#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/livelogreader.h>
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
-#include <VLBase/logging/logviewerclaim.h>
 #include <VLBase/logging/logwriter.h>
 
 #include <QLatin1String>

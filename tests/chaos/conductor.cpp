@@ -3,9 +3,9 @@
 #include "processcontrol.h"
 #include "tests/support/program.h"
 
+#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
-#include <VLBase/logging/logviewerclaim.h>
 #include <VLBase/logging/logwriter.h>
 
 #include <QCoreApplication>

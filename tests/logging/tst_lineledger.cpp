@@ -1,7 +1,7 @@
-#include <VLBase/logging/linehash.h>
+#include <VLBase/logging/internal/linehash.h>
+#include <VLBase/logging/internal/logimage.h>
+#include <VLBase/logging/internal/logreserve.h>
 #include <VLBase/logging/lineledger.h>
-#include <VLBase/logging/logimage.h>
-#include <VLBase/logging/logreserve.h>
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include <VLBase/logging/logimage.h>
+#include <VLBase/logging/internal/logimage.h>
 
 #include <QTest>
 

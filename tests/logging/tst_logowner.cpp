@@ -1,8 +1,8 @@
 #include "testlog.h"
 
+#include <VLBase/logging/internal/logstaging.h>
 #include <VLBase/logging/livelogreader.h>
 #include <VLBase/logging/logowner.h>
-#include <VLBase/logging/logstaging.h>
 #include <VLBase/logging/logwriter.h>
 
 #include <QTest>

@@ -1,9 +1,9 @@
 #include "testlog.h"
 
+#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/livelogreader.h>
 #include <VLBase/logging/logowner.h>
 #include <VLBase/logging/logstatus.h>
-#include <VLBase/logging/logviewerclaim.h>
 #include <VLBase/logging/logwriter.h>
 #include <VLBase/platform/namedmapping.h>
 #include <VLBase/platform/namedmutex.h>

@@ -3,8 +3,8 @@
 
 #include "tests/support/program.h"
 
+#include <VLBase/os/internal/velasystem.h>
 #include <VLBase/os/velaos.h>
-#include <VLBase/os/velasystem.h>
 #include <VLBase/platform/debugoutput.h>
 
 #include <QHostInfo>

@@ -2,9 +2,9 @@
 
 #include "tests/support/program.h"
 
+#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
-#include <VLBase/logging/logviewerclaim.h>
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include <VLBase/os/iconlibrary.h>
+#include <VLBase/os/internal/iconlibrary.h>
 
 #include <QLibrary>
 

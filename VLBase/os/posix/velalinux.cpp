@@ -1,4 +1,4 @@
-#include <VLBase/os/velasystem.h>
+#include <VLBase/os/internal/velasystem.h>
 
 namespace {
 

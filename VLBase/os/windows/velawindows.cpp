@@ -1,4 +1,4 @@
-#include <VLBase/os/velasystem.h>
+#include <VLBase/os/internal/velasystem.h>
 #include <VLBase/platform/windows/windowssockets.h>
 
 namespace {

@@ -45,8 +45,7 @@ QString flagText(unsigned char flag)
 
 QString versionText(const GeometryArrayParser& parser)
 {
-    QString version =
-        QStringLiteral("%1.%2").arg(parser.majorVersion()).arg(parser.minorVersion());
+    QString version = QStringLiteral("%1.%2").arg(parser.majorVersion()).arg(parser.minorVersion());
     if (parser.isValid())
         return version;
     if (parser.majorVersion() > knownMajorVersion)

@@ -3,8 +3,8 @@
 #include "gapwatch.h"
 #include "linesource.h"
 
+#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/livelogreader.h>
-#include <VLBase/logging/logviewerclaim.h>
 
 #include <cstddef>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "logline.h"
 
-#include <VLBase/logging/lineindex.h>
+#include <VLBase/logging/internal/lineindex.h>
 
 #include <algorithm>
 #include <iterator>

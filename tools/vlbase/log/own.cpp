@@ -10,7 +10,7 @@
 #include "tools/vlbase/platform/stopsignal.h"
 #include "verbs.h"
 
-#include <VLBase/logging/lineindex.h>
+#include <VLBase/logging/internal/lineindex.h>
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
 

@@ -2,7 +2,7 @@
 
 #include "tools/vlbase/bytecount.h"
 
-#include <VLBase/logging/drainpace.h>
+#include <VLBase/logging/internal/drainpace.h>
 
 #include <thread>
 #include <utility>

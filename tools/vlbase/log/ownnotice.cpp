@@ -1,7 +1,7 @@
 #include "ownnotice.h"
 
-#include <VLBase/logging/lineindex.h>
-#include <VLBase/logging/linetime.h>
+#include <VLBase/logging/internal/lineindex.h>
+#include <VLBase/logging/internal/linetime.h>
 
 #include <charconv>
 

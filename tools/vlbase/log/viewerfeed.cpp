@@ -4,8 +4,8 @@
 #include "instance.h"
 #include "livesource.h"
 
+#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/logstatus.h>
-#include <VLBase/logging/logviewerclaim.h>
 
 #include <chrono>
 #include <utility>

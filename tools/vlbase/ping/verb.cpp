@@ -6,7 +6,7 @@
 #include "tools/vlbase/platform/stopsignal.h"
 #include "tools/vlbase/textoutput.h"
 
-#include <VLBase/os/ping.h>
+#include <VLBase/os/internal/ping.h>
 #include <VLBase/platform/lasterror.h>
 
 #include <chrono>

@@ -1,0 +1,122 @@
+#include "logattachment.h"
+
+#include <VLBase/logging/internal/linehash.h>
+#include <VLBase/logging/internal/logobjects.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace vlbase::logging {
+
+using platform::LockResult;
+using platform::NamedMapping;
+
+namespace {
+
+constexpr std::chrono::milliseconds lockTimeout(2000);
+
+} // namespace
+
+std::shared_ptr<LogAttachment> LogAttachment::join(bool& absent)
+{
+    auto attachment = std::make_shared<LogAttachment>();
+    NamedMapping& mapping = attachment->m_mapping;
+    const NamedMapping::Opened opened = mapping.open(objectName(bufferObject));
+    absent = opened == NamedMapping::Opened::Absent;
+    if (opened != NamedMapping::Opened::Done || LogImage::defect(mapping.data(), mapping.size()) ||
+        !attachment->m_mutex.open(objectName(mutexObject)))
+        return nullptr;
+    attachment->m_image = LogImage::view(mapping.data(), mapping.size());
+
+    NamedMapping& reserve = attachment->m_reserveMapping;
+    if (reserve.open(objectName(reserveObject)) == NamedMapping::Opened::Done &&
+        LogReserve::isReserve(reserve.data(), reserve.size()))
+        attachment->m_reserve.emplace(reserve.data(), reserve.size(), attachment->m_image);
+    return attachment;
+}
+
+std::shared_ptr<LogAttachment> LogAttachment::create(int bufferSize)
+{
+    if (bufferSize <= 0)
+        return nullptr;
+    auto attachment = std::make_shared<LogAttachment>();
+    NamedMapping& mapping = attachment->m_mapping;
+    if (!mapping.create(objectName(bufferObject), LogImage::sizeFor(bufferSize)) ||
+        !attachment->m_mutex.create(objectName(mutexObject)))
+        return nullptr;
+    attachment->m_image = LogImage::format(mapping.data(), bufferSize);
+
+    // What is there now belongs to processes that are just being ended.
+    NamedMapping& reserve = attachment->m_reserveMapping;
+    if (reserve.open(objectName(reserveObject)) == NamedMapping::Opened::Done &&
+        LogReserve::isReserve(reserve.data(), reserve.size())) {
+        LogReserve::format(reserve.data(), LogReserve::stagingBytes(reserve.data()),
+                           attachment->m_image);
+        attachment->m_reserve.emplace(reserve.data(), reserve.size(), attachment->m_image);
+    }
+    return attachment;
+}
+
+void LogAttachment::ensureReserve(int reserveBytes)
+{
+    if (m_reserve || m_reserveMapping.isOpen())
+        return;
+    const auto staging = static_cast<std::size_t>(std::max(reserveBytes, 0));
+    const std::string name = objectName(reserveObject);
+    for (const std::size_t bytes : {staging, std::size_t(0)}) {
+        if (!m_reserveMapping.create(name, LogReserve::sizeFor(bytes)))
+            continue;
+        LogReserve::format(m_reserveMapping.data(), bytes, m_image);
+        m_reserve.emplace(m_reserveMapping.data(), m_reserveMapping.size(), m_image);
+        return;
+    }
+}
+
+LogStaging* LogAttachment::sharedStaging()
+{
+    return m_reserve && m_reserve->staging().size() > 0 ? &m_reserve->staging() : nullptr;
+}
+
+LockResult LogAttachment::lock()
+{
+    const LockResult result = m_mutex.lock(lockTimeout);
+    switch (result) {
+    case LockResult::Owned:
+    case LockResult::Failed:
+        break;
+    case LockResult::OwnedAfterDeath:
+        repair();
+        break;
+    case LockResult::TimedOut:
+        m_image.emptyHalves();
+        if (m_reserve)
+            m_reserve->noteHang();
+        break;
+    }
+    return result;
+}
+
+void LogAttachment::repair()
+{
+    m_image.repair();
+    if (LogStaging* const staging = sharedStaging())
+        staging->finishMove(m_image);
+}
+
+LogAttachment::Number LogAttachment::takeNumber()
+{
+    const LogImage::Number taken = m_image.takeNumber();
+    return {taken.number, m_reserve ? m_reserve->takePosition(taken.counter) : std::nullopt};
+}
+
+void LogAttachment::add(std::string_view line, std::optional<std::uint64_t> position)
+{
+    if (m_reserve && position)
+        m_reserve->seal(*position, line);
+    else if (m_reserve)
+        m_reserve->noteInjected(lineHash(line));
+    m_image.append(0, line);
+    m_image.append(1, line);
+}
+
+} // namespace vlbase::logging
