@@ -16,5 +16,5 @@ void CLogTracer::ReportException(QString text)
 
 bool CLogTracer::IsOpen()
 {
-    return CLogWriter::IsOpen();
+    return IsWriterAvailable();
 }

@@ -18,6 +18,6 @@ public:
     /// Sends \a text as an error with two empty fields.
     void ReportException(QString text) override;
 
-    /// Whether the shared log is open.
+    /// Whether the shared log is open and an owner is there to file what is sent.
     bool IsOpen() override;
 };

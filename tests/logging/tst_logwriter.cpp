@@ -172,6 +172,11 @@ void tst_LogWriter::dataBlocks()
     }
     QCOMPARE(m_owner->lines(1).size(), 1u);
     QCOMPARE(m_owner->GetIndex(), index);
+
+    m_owner.reset();
+    QVERIFY(!asTracer.IsOpen() && writer.IsOpen());
+    init(); // a successor
+    QVERIFY(asTracer.IsOpen());
 }
 
 void tst_LogWriter::waitForRoom()
