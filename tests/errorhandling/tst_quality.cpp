@@ -208,6 +208,12 @@ private Q_SLOTS:
         TRACED("a|b", u"a%n|b"_qs, &untouched);
         QCOMPARE(untouched, 1);
         TRACED("100%|%y|%-5", u"100%%|%y|%-5"_qs, 0);
+        TRACED("%**d|%.-5d|%5*d|%1.2.3d|7", u"%**d|%.-5d|%5*d|%1.2.3d|%d"_qs, 7);
+        TRACED("5|5", u"%.*d|%.d"_qs, -1, 5, 5);
+        _Q_TraceOld(u"%*d"_qs, INT_MAX, 1);
+        QCOMPARE(takeTrace(), QString(399, u' '));
+        _Q_TraceOld(u"%*s"_qs, INT_MIN, L"1");
+        QCOMPARE(takeTrace(), u'1' + QString(398, u' '));
         _Q_TraceOld(u"%2147483647d"_qs, 1);
         QCOMPARE(takeTrace(), QString(399, u' '));
         _Q_TraceOld(u"%.99999999999999999999f"_qs, 1.0);

@@ -9,10 +9,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
+#include <type_traits>
 
 namespace {
 
 enum class Size { Default, Char, Short, Long, LongLong, Pointer, LongDouble, Wide };
+
+// A number of a conversion is written out or taken from the arguments.
+struct Field
+{
+    int value = 0;
+    bool isArgument = false;
+};
 
 struct Conversion
 {
@@ -65,7 +74,8 @@ private:
         return true;
     }
 
-    // Reads the conversion that follows a percent sign; leaves the position alone if there is none.
+    // Reads the conversion that follows a percent sign; leaves the position, and the arguments,
+    // which cannot be given back, alone if there is none.
     bool convert()
     {
         const qsizetype start = m_pos;
@@ -73,49 +83,43 @@ private:
             m_out += u'%';
             return true;
         }
-        if (!isConversion()) {
-            m_pos = start;
-            return false;
-        }
-        m_pos = start;
-        write(readConversion());
-        return true;
-    }
-
-    // Looks ahead without touching the arguments, which cannot be given back.
-    bool isConversion()
-    {
-        while (QStringView(u"-+ #0123456789.*").contains(peek()))
-            ++m_pos;
-        readSize();
-        return QStringView(u"diouxXcCsSfFeEgGaApn").contains(peek());
-    }
-
-    Conversion readConversion()
-    {
         Conversion conversion;
         while (QStringView(u"-+ #0").contains(peek()))
             conversion.flags += static_cast<char>(m_format[m_pos++].unicode());
-        conversion.width = readNumber();
+        const Field width = readField();
+        const std::optional<Field> precision =
+            take(u".") ? std::optional(readField()) : std::nullopt;
+        conversion.size = readSize();
+        if (!QStringView(u"diouxXcCsSfFeEgGaApn").contains(peek())) {
+            m_pos = start;
+            return false;
+        }
+        conversion.type = m_format[m_pos++].unicode();
+        conversion.width = valueOf(width);
         if (conversion.width < 0) {
             conversion.flags += '-';
             conversion.width = -conversion.width;
         }
-        if (take(u"."))
-            conversion.precision = readNumber();
-        conversion.size = readSize();
-        conversion.type = m_format[m_pos++].unicode();
-        return conversion;
+        if (precision)
+            conversion.precision = valueOf(*precision);
+        write(conversion);
+        return true;
     }
 
-    int readNumber()
+    Field readField()
     {
         if (take(u"*"))
-            return std::clamp(va_arg(m_arguments, int), -MaxField, MaxField);
+            return {0, true};
         int number = 0;
         while (isDigit(peek()))
             number = std::min(number * 10 + m_format[m_pos++].digitValue(), MaxField);
-        return number;
+        return {number, false};
+    }
+
+    int valueOf(Field field)
+    {
+        return field.isArgument ? std::clamp(va_arg(m_arguments, int), -MaxField, MaxField)
+                                : field.value;
     }
 
     Size readSize()
@@ -144,12 +148,12 @@ private:
         switch (conversion.type) {
         case u'd':
         case u'i':
-            return writeNumber(conversion, "ll", signedArgument(conversion.size));
+            return writeNumber(conversion, "ll", argument<std::make_signed>(conversion.size));
         case u'o':
         case u'u':
         case u'x':
         case u'X':
-            return writeNumber(conversion, "ll", unsignedArgument(conversion.size));
+            return writeNumber(conversion, "ll", argument<std::make_unsigned>(conversion.size));
         case u'c':
         case u'C':
             return writeCharacter(conversion);
@@ -168,46 +172,31 @@ private:
         }
     }
 
-    long long signedArgument(Size size)
+    // What is smaller than an int comes as one.
+    template <template <class> class Signedness,
+              class Result = typename Signedness<long long>::type>
+    Result argument(Size size)
     {
+        using Promoted = typename Signedness<int>::type;
         switch (size) {
         case Size::Char:
-            return static_cast<signed char>(va_arg(m_arguments, int));
+            return Result(
+                static_cast<typename Signedness<char>::type>(va_arg(m_arguments, Promoted)));
         case Size::Short:
-            return static_cast<short>(va_arg(m_arguments, int));
+            return Result(
+                static_cast<typename Signedness<short>::type>(va_arg(m_arguments, Promoted)));
         case Size::Long:
-            return va_arg(m_arguments, long);
+            return Result(va_arg(m_arguments, typename Signedness<long>::type));
         case Size::LongLong:
-            return va_arg(m_arguments, long long);
+            return va_arg(m_arguments, Result);
         case Size::Pointer:
-            return va_arg(m_arguments, std::ptrdiff_t);
+            return Result(va_arg(m_arguments, typename Signedness<std::ptrdiff_t>::type));
         case Size::Default:
         case Size::LongDouble:
         case Size::Wide:
             break;
         }
-        return va_arg(m_arguments, int);
-    }
-
-    unsigned long long unsignedArgument(Size size)
-    {
-        switch (size) {
-        case Size::Char:
-            return static_cast<unsigned char>(va_arg(m_arguments, unsigned int));
-        case Size::Short:
-            return static_cast<unsigned short>(va_arg(m_arguments, unsigned int));
-        case Size::Long:
-            return va_arg(m_arguments, unsigned long);
-        case Size::LongLong:
-            return va_arg(m_arguments, unsigned long long);
-        case Size::Pointer:
-            return va_arg(m_arguments, std::size_t);
-        case Size::Default:
-        case Size::LongDouble:
-        case Size::Wide:
-            break;
-        }
-        return va_arg(m_arguments, unsigned int);
+        return Result(va_arg(m_arguments, Promoted));
     }
 
     template <class Number>
