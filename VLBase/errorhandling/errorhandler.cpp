@@ -12,9 +12,11 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QMetaType>
+#include <QScopeGuard>
 #include <QThread>
 
 #include <chrono>
+#include <exception>
 #include <mutex>
 #include <utility>
 
@@ -35,6 +37,18 @@ QString logFilePath()
     if (!path.endsWith(QDir::separator()))
         path += QDir::separator();
     return path + QLatin1String("Logger.txt");
+}
+
+// Whoever reports a failure must not get another one for it. The unwinding of a thread that is
+// cancelled, which is no C++ exception, goes on: it cannot be stopped.
+template <class Call> void swallowingExceptions(Call call)
+{
+    try {
+        call();
+    } catch (...) {
+        if (!std::current_exception())
+            throw;
+    }
 }
 
 } // namespace
@@ -208,8 +222,7 @@ void ErrorHandler::Log(const VLException& exception, unsigned char level)
         m_DeferredReports.push_back({record, line()});
         return;
     }
-    if (m_bLogFileOn && !TracerIsOpen())
-        m_LogFile->AddMessage(line());
+    WriteToLogFile(true, line);
     SendToTracer(record);
     DeliverDeferred();
 }
@@ -220,11 +233,17 @@ void ErrorHandler::DeliverDeferred()
         const DeferredReport report = std::move(m_DeferredReports.front());
         m_DeferredReports.pop_front();
         const bool forTracer = count < MaxDeferredReports;
-        if (m_bLogFileOn && !(forTracer && TracerIsOpen()))
-            m_LogFile->AddMessage(report.line);
+        WriteToLogFile(forTracer, [&] { return report.line; });
         if (forTracer)
             SendToTracer(report.record);
     }
+}
+
+// A tracer may turn the file off while it is asked.
+template <class Line> void ErrorHandler::WriteToLogFile(bool forTracer, Line line)
+{
+    if (m_bLogFileOn && !(forTracer && TracerIsOpen()) && m_LogFile)
+        m_LogFile->AddMessage(line());
 }
 
 template <class Call> void ErrorHandler::CallTracer(Call call)
@@ -235,11 +254,8 @@ template <class Call> void ErrorHandler::CallTracer(Call call)
     if (!tracer)
         return;
     m_bInsideTracer = true;
-    try {
-        call(*tracer);
-    } catch (...) { // Whoever reports a failure must not get another one for it.
-    }
-    m_bInsideTracer = false;
+    const auto leave = qScopeGuard([this] { m_bInsideTracer = false; });
+    swallowingExceptions([&] { call(*tracer); });
 }
 
 bool ErrorHandler::TracerIsOpen()
@@ -334,12 +350,8 @@ template <class Call> void ErrorHandler::CallDialog(Call call)
         dialog = installed().m_MessageDlg;
     }
     // Not under the lock: a modal dialog waits for its user, and others go on reporting.
-    if (!dialog)
-        return;
-    try {
-        call(*dialog);
-    } catch (...) {
-    }
+    if (dialog)
+        swallowingExceptions([&] { call(*dialog); });
 }
 
 int ErrorHandler::ShowErrorDialog(const VLException& exception, bool b1, int n, bool b2, bool b3)

@@ -130,6 +130,7 @@ private:
     void Configure();
     void Log(const VLException& exception, unsigned char level);
     void DeliverDeferred();
+    template <class Line> void WriteToLogFile(bool forTracer, Line line);
     template <class Call> void CallTracer(Call call);
     bool TracerIsOpen();
     void SendToTracer(const QString& record);

@@ -14,6 +14,7 @@ struct TracerLog
     QStringList sent;
     int destroyed = 0;
     bool open = true;
+    std::function<void()> onIsOpen;
 };
 
 class RecordingTracer : public ILogTracer
@@ -34,7 +35,12 @@ public:
             m_answer();
     }
     void ReportException(QString) override {}
-    bool IsOpen() override { return m_log.open; }
+    bool IsOpen() override
+    {
+        if (m_log.onIsOpen)
+            m_log.onIsOpen();
+        return m_log.open;
+    }
 
 private:
     TracerLog& m_log;

@@ -13,6 +13,10 @@
 #include <stdexcept>
 #include <thread>
 
+#ifdef Q_OS_LINUX
+#include <pthread.h>
+#endif
+
 namespace {
 
 VLException exceptionOf(const QString& reason)
@@ -313,6 +317,30 @@ private Q_SLOTS:
         ErrorHandler::SetMessageDlg(std::make_unique<NotingDialog>(fail));
         QCOMPARE(handler().ShowErrorDialog(QString(), false, 0, false, false), -2);
     }
+
+    void letsATracerTurnTheFileOff()
+    {
+        handler().TurnLogFileOn();
+        install();
+        m_log.onIsOpen = [] { handler().TurnLogFileOff(); };
+        m_log.open = false;
+        handler().ProtocolException(exceptionOf(u"r"_qs));
+        QVERIFY(!handler().GetLogFile() && m_log.sent.size() == 1);
+    }
+
+#ifdef Q_OS_LINUX // elsewhere the end of a thread unwinds nothing
+    void letsAThreadEndInsideTracerAndDialog()
+    {
+        install([] { pthread_exit(nullptr); });
+        std::thread([] { handler().ProtocolException(exceptionOf(u"r"_qs)); }).join();
+        ErrorHandler::SetMessageDlg(
+            std::make_unique<NotingDialog>([](const QString&) { pthread_exit(nullptr); }));
+        std::thread([] { handler().ShowWarningDialog(QString()); }).join();
+        install();
+        report(u"the lock is free"_qs, 1);
+        QCOMPARE(m_log.sent.size(), 2);
+    }
+#endif
 
     // However deep it answers, with exceptions or with messages.
     void entersATracerOnlyOnce()
