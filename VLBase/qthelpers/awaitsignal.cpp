@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QThread>
 #include <QTimer>
 
 #include <chrono>
@@ -11,35 +12,49 @@
 
 namespace QObjectHelpers {
 
-bool awaitSignalOneOf(const QObject* object, std::vector<const char*> signalTexts, int timeout)
+namespace {
+
+/// An event loop left without reason has been left with the application, or with its thread.
+/// By the time the application's outer loop runs again its quit may have been lost; that of a
+/// thread is kept.
+void quitAgainLater()
 {
     using namespace std::chrono_literals;
+    QCoreApplication* application = QCoreApplication::instance();
+    if (application && application->thread() == QThread::currentThread())
+        QTimer::singleShot(5s, Qt::PreciseTimer, application, "1quit()");
+}
+
+} // namespace
+
+bool awaitSignalOneOf(const QObject* object, std::vector<const char*> signalTexts, int timeout)
+{
+    enum class Came { Nothing, Signal, Timeout };
 
     QTimer timer;
     QEventLoop loop;
-    bool signalled = false;
-    const auto onSignal = [&signalled, &loop] {
-        signalled = true;
+    Came first = Came::Nothing; // what comes while a wait inside this one delays its end is late
+    const auto onFirst = [&first, &loop](Came came) {
+        if (first == Came::Nothing)
+            first = came;
         loop.quit();
     };
     const std::unique_ptr<SignalHandler> handler(
-        SignalHandler::createHandler<void()>(onSignal, nullptr));
+        SignalHandler::createHandler<void()>([&onFirst] { onFirst(Came::Signal); }, nullptr));
     for (const char* signal : signalTexts)
         QObject::connect(object, signal, handler.get(), "1onSignal()");
     if (timeout >= 0) {
-        QObject::connect(&timer, "2timeout()", handler.get(), "1onSignal()");
+        QObject::connect(&timer, &QTimer::timeout, &timer, [&onFirst] { onFirst(Came::Timeout); });
         timer.setTimerType(Qt::PreciseTimer);
         timer.setSingleShot(true);
         timer.start(timeout);
     }
     loop.exec();
-    if (!signalled) {
-        // The application is quitting; by the time the outer loop runs again its request may
-        // have been lost.
-        QTimer::singleShot(5s, Qt::PreciseTimer, QCoreApplication::instance(), "1quit()");
+    if (first == Came::Nothing) {
+        quitAgainLater();
         return false;
     }
-    return timeout < 0 || !timer.isActive();
+    return timeout < 0 || first == Came::Timeout;
 }
 
 bool awaitSignal(const QObject* object, const char* signal, int timeout)

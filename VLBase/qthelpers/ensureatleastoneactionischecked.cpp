@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QPointer>
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <utility>
@@ -30,12 +31,14 @@ void EnsureAtLeastOneActionIsCheckedHandler::onToggled(bool checked)
     auto* action = qobject_cast<QAction*>(sender());
     if (!action)
         return;
-    // Others hear of the restored state too and may end this object.
-    const QPointer<EnsureAtLeastOneActionIsCheckedHandler> self(this);
+    // Others hear of the restored state too and may end this object, or throw.
+    const auto restored =
+        qScopeGuard([self = QPointer<EnsureAtLeastOneActionIsCheckedHandler>(this)] {
+            if (self)
+                self->m_restoring = false;
+        });
     m_restoring = true;
     action->setChecked(true);
-    if (self)
-        m_restoring = false;
 }
 
 bool EnsureAtLeastOneActionIsCheckedHandler::isAnyChecked() const

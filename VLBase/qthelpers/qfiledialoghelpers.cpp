@@ -3,6 +3,7 @@
 #include <VLBase/qthelpers/internal/lastowner.h>
 #include <VLBase/qthelpers/signalhandler.h>
 
+#include <QScopeGuard>
 #include <QTimer>
 #include <QUrl>
 
@@ -34,7 +35,6 @@ void AsyncGetExistingDirectory::asyncGetExistingDirectory(
         SignalHandler::createHandler<void(const QString&)>(onSelected, nullptr));
     connect(chooser, SIGNAL(fileSelected(QString)), chooser->m_handler.get(),
             SLOT(onSignal(QString)));
-    connect(chooser, SIGNAL(fileSelected(QString)), chooser, SLOT(deleteLater()));
     QTimer::singleShot(0, chooser, SLOT(onStart()));
 } // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the chooser deletes itself
 
@@ -44,6 +44,10 @@ void AsyncGetExistingDirectory::onStart()
     // dialog. QFileDialog's own function for the question keeps its dialog on the stack, where a
     // parent must not delete it.
     const QPointer<AsyncGetExistingDirectory> self(this);
+    const auto ended = qScopeGuard([self] { // also when the answer's receiver throws
+        if (self)
+            self->deleteLater();
+    });
     const QPointer<QFileDialog> dialog = new QFileDialog(m_parent, m_caption, m_directory);
     dialog->setOptions(m_options);
     dialog->setFileMode(QFileDialog::Directory);

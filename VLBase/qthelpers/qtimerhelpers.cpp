@@ -3,26 +3,30 @@
 #include <VLBase/qthelpers/internal/lastowner.h>
 #include <VLBase/qthelpers/internal/qlambdatimer.h>
 
-#include <utility>
+#include <QPointer>
+#include <QScopeGuard>
+
+#include <algorithm>
 
 namespace QTimerHelpers {
 
 namespace detail {
 
-QLambdaTimer::QLambdaTimer(std::function<void()> function)
-    : m_call(std::make_shared<Call>())
+QLambdaTimer::QLambdaTimer(const std::function<void()>& function)
+    : m_function(std::make_shared<const std::function<void()>>(function ? function : [] {}))
 {
-    m_call->function = function ? std::move(function) : [] {};
     connect(this, &QTimer::timeout, this, &QLambdaTimer::onTimeout);
-    connect(this, &QObject::destroyed, [call = m_call] { call->destroyed = true; });
 }
 
 void QLambdaTimer::onTimeout()
 {
-    const std::shared_ptr<Call> call = m_call;
-    call->function();
-    if (!call->destroyed)
-        deleteLater();
+    // The function may end the timer, or throw.
+    const auto function = m_function;
+    const auto deleted = qScopeGuard([self = QPointer<QLambdaTimer>(this)] {
+        if (self)
+            self->deleteLater();
+    });
+    (*function)();
 }
 
 } // namespace detail
@@ -33,7 +37,7 @@ QTimer* singleShot(int milliseconds, const std::function<void()>& function)
     vlbase::qthelpers::deleteWithEventLoop(timer);
     timer->setTimerType(Qt::PreciseTimer);
     timer->setSingleShot(true);
-    timer->start(milliseconds);
+    timer->start(std::max(milliseconds, 0));
     return timer;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QTimerEvent>
 
 #include <algorithm>
@@ -51,13 +52,18 @@ void SignalDelayer::timerEvent(QTimerEvent* event)
 {
     if (event->timerId() != m_timerId)
         return;
-    // The delivery may raise the signal again, which replaces the pending invoker, or end the
-    // sender, and with it this object.
-    const QPointer<SignalDelayer> self(this);
+    // The delivery may raise the signal again, which replaces the pending invoker, end the sender,
+    // and with it this object, or throw.
+    const auto atRest = qScopeGuard([self = QPointer<SignalDelayer>(this)] {
+        if (self)
+            self->dropPending();
+    });
     if (const std::function<void()> invoker = m_invoker)
         invoker();
-    if (!self)
-        return;
+}
+
+void SignalDelayer::dropPending()
+{
     killTimer(m_timerId);
     m_timerId = 0;
     m_invoker = nullptr;

@@ -53,7 +53,7 @@ template <> struct DelayerTexts<void(QAction*)>
 ///
 /// A throttle: the first signal of a burst fixes the moment of delivery, later ones change the
 /// arguments only, so a steady stream is delivered once per delay. A signal that the receiver
-/// raises while it handles the delivery is dropped.
+/// raises while it handles the delivery is dropped. A receiver that throws has had the delivery.
 ///
 ///     SignalDelayer::connectDelayed<void(int)>(dial, SIGNAL(valueChanged(int)),
 ///                                              receiver, SLOT(tune(int)), 100);
@@ -115,6 +115,7 @@ private:
     static SignalDelayer* connectTexts(QObject* sender, const char* signal, const char* ownSlot,
                                        const char* ownSignal, QObject* receiver, const char* slot,
                                        int delay, Qt::ConnectionType type);
+    void dropPending();
 
     int m_delay;
     int m_timerId = 0;

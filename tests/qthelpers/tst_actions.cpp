@@ -240,6 +240,16 @@ private Q_SLOTS:
         a->trigger();
         b->setChecked(false);
         QVERIFY(!a->isChecked() && b->isChecked());
+        // Whoever hears of the restored state may throw.
+        const auto thrower = connect(b, &QAction::toggled, &owner, [](bool on) {
+            if (on)
+                throw std::runtime_error("no");
+        });
+        for (int again = 0; again < 2; ++again) {
+            QVERIFY_THROWS_EXCEPTION(std::runtime_error, b->setChecked(false));
+            QVERIFY(b->isChecked());
+        }
+        disconnect(thrower);
         const Guard leavesAlone({a, b}, nullptr);
         QVERIFY(!a->isChecked() && b->isChecked());
         const Guard empty({}, nullptr);

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QSemaphore>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
@@ -52,6 +53,21 @@ private Q_SLOTS:
     {
         QCoreApplication application(m_argc, m_argv);
         QObject silent;
+        // The quit of a thread is its own affair; a repetition would come before the one below.
+        std::atomic<bool> over{false};
+        QSemaphore ended;
+        const std::unique_ptr<QThread> worker(QThread::create([&over, &ended] {
+            QTimer::singleShot(0, [] { QThread::currentThread()->quit(); });
+            QObject own;
+            if (!QObjectHelpers::awaitSignal(&own, "2destroyed()", -1))
+                ended.release();
+            for (; !over; QThread::msleep(10))
+                QCoreApplication::processEvents();
+        }));
+        worker->start();
+        QVERIFY(ended.tryAcquire(1, 30'000));
+        QThread::msleep(200);
+
         bool result = true;
         QTimer::singleShot(0, &silent, [&] {
             QTimer::singleShot(0, &silent, [] { QCoreApplication::quit(); });
@@ -64,6 +80,8 @@ private Q_SLOTS:
         // An outer loop that is entered only now ends by the quit that was put off.
         QVERIFY(clock.elapsed() < 4'000);
         QCoreApplication::exec();
+        over = true;
+        QVERIFY(worker->wait());
         QVERIFY(clock.elapsed() >= 4'999);
         QVERIFY(clock.elapsed() < 30'000);
     }

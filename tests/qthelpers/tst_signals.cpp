@@ -265,6 +265,21 @@ private Q_SLOTS:
         QCOMPARE(delivered, 2);
     }
 
+    void deliveryThatThrowsIsOver()
+    {
+        Emitter sender;
+        Emitter receiver;
+        connect(&receiver, &Emitter::plain, this, [] { throw std::runtime_error("no"); });
+        SignalDelayer* delayer = delay<void()>(sender, SIGNAL(plain()), receiver, 30'000);
+        for (int burst = 0; burst < 2; ++burst) {
+            Q_EMIT sender.plain();
+            QTimerEvent event(timersOf(delayer).first().timerId);
+            QVERIFY_THROWS_EXCEPTION(std::runtime_error,
+                                     QCoreApplication::sendEvent(delayer, &event));
+            QVERIFY(timersOf(delayer).isEmpty());
+        }
+    }
+
     void delayerEndsWithEitherEnd()
     {
         for (const char victim : {'s', 'r', 'd'}) { // sender, receiver, the sender in the delivery
@@ -320,6 +335,13 @@ private Q_SLOTS:
         QTimer::singleShot(0, &emitter, &Emitter::plain);
         QVERIFY(awaitSignalOneOf(&emitter, {"2integer(int)", "2text(QString)"}, 30));
         QVERIFY(awaitSignalOneOf(&emitter, {}, 0));
+
+        // A signal in time, when a wait inside this one has put the return off.
+        QTimer::singleShot(0, this, [&emitter] {
+            Q_EMIT emitter.plain();
+            wait(60);
+        });
+        QVERIFY(!awaitSignal(&emitter, "2plain()", 30));
 
         bool processed = false;
         QTimer::singleShot(0, this, [&processed] { processed = true; });

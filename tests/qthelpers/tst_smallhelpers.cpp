@@ -76,9 +76,10 @@ private Q_SLOTS:
 
     void localAddresses()
     {
-        for (const char* address : {"127.0.0.1", "::1", "127.0.0.5"})
+        for (const char* address : {"127.0.0.1", "::1", "127.0.0.5", "::ffff:127.0.0.1"})
             QVERIFY2(QHostAddressHelpers::isIpLocal(QHostAddress(QLatin1String(address))), address);
-        for (const char* address : {"127.0.1.5", "192.0.2.1", "2001:db8::1", ""})
+        for (const char* address :
+             {"127.0.1.5", "192.0.2.1", "2001:db8::1", "::ffff:192.0.2.1", ""})
             QVERIFY2(!QHostAddressHelpers::isIpLocal(QHostAddress(QLatin1String(address))),
                      address);
         for (const QHostAddress& address : QNetworkInterface::allAddresses())
@@ -93,8 +94,14 @@ private Q_SLOTS:
         QCOMPARE(timer->interval(), 20);
         QCOMPARE(timer->timerType(), Qt::PreciseTimer);
         const QPointer<QTimer> empty = QTimerHelpers::singleShot(0, {});
-        QTRY_VERIFY(!timer && !empty);
+        const QPointer<QTimer> negative = QTimerHelpers::singleShot(-5, {});
+        QTRY_VERIFY(!timer && !empty && !negative);
         QCOMPARE(calls, 1);
+        const QPointer<QTimer> throwing =
+            QTimerHelpers::singleShot(30'000, [] { throw std::runtime_error("no"); });
+        QTimerEvent event(throwing->timerId());
+        QVERIFY_THROWS_EXCEPTION(std::runtime_error, QCoreApplication::sendEvent(throwing, &event));
+        QTRY_VERIFY(!throwing);
 
         delete QTimerHelpers::singleShot(0, [&calls] { ++calls; });
         const std::unique_ptr<QTimer> stopped(QTimerHelpers::singleShot(0, [&calls] { ++calls; }));
@@ -141,6 +148,16 @@ private Q_SLOTS:
         AsyncGetExistingDirectory::asyncGetExistingDirectory(select, nullptr, QString(), QString(),
                                                              options);
         QTRY_COMPARE(selected, QStringList({directory.path(), QString()}));
+
+        AsyncGetExistingDirectory::asyncGetExistingDirectory(
+            [](const QString&) { throw std::runtime_error("no"); }, &parent, QString(), QString(),
+            options);
+        const QPointer<QObject> throwing = parent.findChild<AsyncGetExistingDirectory*>();
+        QCoreApplication::removePostedEvents(throwing); // so that it is not asked twice
+        answerDialog([](QFileDialog* dialog) { dialog->reject(); });
+        QVERIFY_THROWS_EXCEPTION(std::runtime_error,
+                                 QMetaObject::invokeMethod(throwing, "onStart"));
+        QTRY_VERIFY(!throwing);
     }
 
     void parentMayEndBeforeTheAnswer()

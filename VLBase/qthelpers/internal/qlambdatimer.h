@@ -13,21 +13,14 @@ class QLambdaTimer : public QTimer
     Q_OBJECT
 
 public:
-    explicit QLambdaTimer(std::function<void()> function);
+    explicit QLambdaTimer(const std::function<void()>& function);
 
 private Q_SLOTS:
     void onTimeout();
 
 private:
-    // A slot connected to the timer's own destroyed() would write into an object that is no
-    // QLambdaTimer any more, so what a running call must know about its end it shares.
-    struct Call
-    {
-        std::function<void()> function;
-        bool destroyed = false;
-    };
-
-    std::shared_ptr<Call> m_call;
+    // Shared with a running call, which may end the timer.
+    std::shared_ptr<const std::function<void()>> m_function;
 };
 
 } // namespace QTimerHelpers::detail
