@@ -44,6 +44,11 @@ GeometryArrayParser::GeometryArrayParser(const QString& hexText)
     setHexString(hexText);
 }
 
+GeometryArrayParser::GeometryArrayParser(const char* hexText)
+    : GeometryArrayParser(QString::fromLatin1(hexText))
+{
+}
+
 GeometryArrayParser::GeometryArrayParser(const GeometryArrayParser& other)
     : m_Record(std::make_unique<Record>(*other.m_Record))
 {

@@ -23,6 +23,7 @@ public:
     explicit GeometryArrayParser(const QByteArray& record);
     /// \param hexText the record in hexadecimal digits of any case; other characters are skipped.
     explicit GeometryArrayParser(const QString& hexText);
+    explicit GeometryArrayParser(const char* hexText);
 
     GeometryArrayParser(const GeometryArrayParser& other);
     GeometryArrayParser& operator=(const GeometryArrayParser& other);

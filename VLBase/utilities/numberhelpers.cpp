@@ -10,12 +10,13 @@ namespace NumberHelpers {
 
 namespace {
 
+using vlbase::utilities::baseOf;
 using vlbase::utilities::plainNumber;
 using vlbase::utilities::withPlainSigns;
 
 bool isBase(int base)
 {
-    return base == 0 || (base >= 2 && base <= 36);
+    return base >= 2 && base <= 36;
 }
 
 template <typename T> T finish(T value, bool valid, bool* ok)
@@ -34,6 +35,8 @@ T parseInteger(const QString& text, const QLocale& locale, bool* ok, int base,
 {
     bool valid = false;
     T value{};
+    if (base == 0)
+        base = baseOf(text, locale);
     if (base == 10)
         value = (locale.*ofLocale)(withPlainSigns(text, locale), &valid);
     else if (isBase(base))
@@ -46,6 +49,8 @@ template <typename T, typename Wide>
 T parseByte(const QString& text, bool* ok, int base, Wide (QString::*wide)(bool*, int) const)
 {
     bool valid = false;
+    if (base == 0)
+        base = baseOf(text, QLocale::c());
     const Wide value = isBase(base) ? (text.*wide)(&valid, base) : Wide{};
     valid =
         valid && value >= std::numeric_limits<T>::min() && value <= std::numeric_limits<T>::max();
@@ -89,6 +94,16 @@ template <> unsigned int parse(const QString& text, const QLocale& locale, bool*
     return parseInteger<uint>(text, locale, ok, base, &QLocale::toUInt, &QString::toUInt);
 }
 
+template <> long parse(const QString& text, const QLocale& locale, bool* ok, int base)
+{
+    return parseInteger<long>(text, locale, ok, base, &QLocale::toLong, &QString::toLong);
+}
+
+template <> unsigned long parse(const QString& text, const QLocale& locale, bool* ok, int base)
+{
+    return parseInteger<ulong>(text, locale, ok, base, &QLocale::toULong, &QString::toULong);
+}
+
 template <> qint64 parse(const QString& text, const QLocale& locale, bool* ok, int base)
 {
     return parseInteger<qint64>(text, locale, ok, base, &QLocale::toLongLong, &QString::toLongLong);
@@ -117,7 +132,7 @@ template <> bool parse(const QString& text, const QLocale&, bool* ok, int)
     static const QStringList falseWords{QStringLiteral("false"), QStringLiteral("no"),
                                         QStringLiteral("off")};
     bool valid = false;
-    const short number = text.toShort(&valid, 0);
+    const short number = text.toShort(&valid, baseOf(text, QLocale::c()));
     bool result = number != 0;
     if (valid) {
         valid = number == 0 || number == 1;

@@ -11,18 +11,20 @@ namespace NumberHelpers {
 /// Reads a number in the spelling of a locale, its digits, signs and group separators included.
 ///
 /// \tparam T `signed char`, `unsigned char`, `short`, `unsigned short`, `int`, `unsigned int`,
-///         `qint64`, `quint64`, `float`, `double` or `bool`. The two 8-bit types and `bool` do
-///         not use the locale.
+///         `long`, `unsigned long`, `qint64`, `quint64`, `float`, `double` or `bool`, and the
+///         fixed-width types with them. The two 8-bit types and `bool` do not use the locale.
 /// \param ok   may be null; receives whether the text is a number that fits into `T`.
 /// \param base of whole numbers: 2 to 36, or 0 to tell it from the text, where "0x" and a leading
-///             "0" mean 16 and 8. Not used for `float`, `double` and `bool`.
+///             "0" mean 16 and 8 and all else is 10 ("0b" is nothing). Not used for `float`,
+///             `double` and `bool`.
 /// \return 0 when `*ok` is false, but an infinity for a `float` or `double` that is too large.
 ///
 /// A truth value is a number, with base 0, or one of "true", "yes", "on", "false", "no", "off" in
 /// any case of letters and with blanks around. A number other than 0 and 1 is true with `*ok`
 /// false.
 template <typename T>
-T parse(const QString& text, const QLocale& locale = QLocale(), bool* ok = nullptr, int base = 10);
+T parse(const QString& text, const QLocale& locale = QLocale(), bool* ok = nullptr,
+        int base = 10) = delete;
 
 template <>
 VLBASE_EXPORT signed char parse(const QString& text, const QLocale& locale, bool* ok, int base);
@@ -35,6 +37,10 @@ VLBASE_EXPORT unsigned short parse(const QString& text, const QLocale& locale, b
 template <> VLBASE_EXPORT int parse(const QString& text, const QLocale& locale, bool* ok, int base);
 template <>
 VLBASE_EXPORT unsigned int parse(const QString& text, const QLocale& locale, bool* ok, int base);
+template <>
+VLBASE_EXPORT long parse(const QString& text, const QLocale& locale, bool* ok, int base);
+template <>
+VLBASE_EXPORT unsigned long parse(const QString& text, const QLocale& locale, bool* ok, int base);
 template <>
 VLBASE_EXPORT qint64 parse(const QString& text, const QLocale& locale, bool* ok, int base);
 template <>

@@ -40,10 +40,12 @@ public:
     /// \param work not owned; must outlive the thread.
     explicit VLThread(IRun& work);
 
-    /// Asks the thread to finish and waits, without a limit, until it has.
+    /// Asks the thread to finish and waits, without a limit, until it has: for ever behind a step
+    /// that never returns. Not to be called in the thread itself.
     ~VLThread() override;
 
     /// Asks the thread to finish after the current step.
+    /// \param timeoutMs how long to wait for that; the largest number is no limit.
     /// \return whether it ended within that many milliseconds. A thread that was asked once takes
     ///         no further step, also when it is started again.
     bool Finish(unsigned long timeoutMs);

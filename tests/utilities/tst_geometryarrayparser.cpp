@@ -46,6 +46,7 @@ private Q_SLOTS:
         for (const QString& text :
              {hex, hex.toUpper(), spaced, u'\u20ac' + hex, hex.mid(1), hex + u"ff"_qs})
             QCOMPARE(fieldsOf(GeometryArrayParser(text)), recordFields);
+        QCOMPARE(fieldsOf(GeometryArrayParser(recordHex.constData())), recordFields);
         GeometryArrayParser parser;
         QVERIFY(parser.setHexString(hex));
         QCOMPARE(fieldsOf(parser), recordFields);

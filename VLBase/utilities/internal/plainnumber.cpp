@@ -109,6 +109,20 @@ bool removeGroups(QString& number)
 
 } // namespace
 
+int baseOf(const QString& text, const QLocale& locale)
+{
+    const Symbols symbols(locale);
+    QStringView rest = QStringView(text).trimmed();
+    const auto take = [&] { return rest.isEmpty() ? u'\0' : symbols.take(rest); };
+    char16_t symbol = take();
+    if (symbol == u'-' || symbol == u'+')
+        symbol = take();
+    if (symbol != u'0')
+        return 10;
+    symbol = take();
+    return symbol == u'x' || symbol == u'X' ? 16 : 8;
+}
+
 QString plainNumber(const QString& text, const QLocale& locale)
 {
     const Symbols symbols(locale);

@@ -6,6 +6,10 @@ class QLocale;
 
 namespace vlbase::utilities {
 
+/// The base in which C writes a whole number of that form: 16 with "0x", 8 with a leading "0",
+/// otherwise 10. Sign and digits may be the locale's.
+int baseOf(const QString& text, const QLocale& locale);
+
 /// Rewrites a whole number of any base from the spelling of a locale into plain ASCII: digits of
 /// the locale or of ASCII become ASCII ones, signs become "+" and "-", group separators go.
 /// Separators must stand between digits, the last one before three digits and each other one
