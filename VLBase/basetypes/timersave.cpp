@@ -17,7 +17,7 @@ bool TimerSave::LockTimerSaveObject(QString name, TimerSaveObject& token)
     if (locked)
         return false;
     locked = true;
-    token.SetName(std::move(name));
+    token.m_name = name.isNull() ? QLatin1String("") : std::move(name);
     return true;
 }
 
@@ -39,11 +39,11 @@ TimerSaveObject& TimerSaveObject::operator=(const TimerSaveObject& other) = defa
 
 TimerSaveObject::~TimerSaveObject()
 {
-    if (!m_name.isEmpty())
+    if (!m_name.isNull())
         TimerSave::Instance().UnLockTimerSaveObject(m_name);
 }
 
 void TimerSaveObject::SetName(QString name)
 {
-    m_name = std::move(name);
+    m_name = name.isEmpty() ? QString() : std::move(name);
 }

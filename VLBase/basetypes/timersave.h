@@ -24,8 +24,8 @@ public:
     TimerSave(const TimerSave&) = delete;
     TimerSave& operator=(const TimerSave&) = delete;
 
-    /// Takes the lock of a name and makes `token` hold it; whatever it held before stays locked.
-    /// \return false when the lock is taken, with the token untouched
+    /// Takes the lock of a name, which may be empty, and makes `token` hold it; whatever it held
+    /// before stays locked. \return false when the lock is taken, with the token untouched
     bool LockTimerSaveObject(QString name, TimerSaveObject& token);
 
     /// Lets the lock of a name go. A name that was never locked is ignored.
@@ -52,5 +52,7 @@ public:
     void SetName(QString name);
 
 private:
-    QString m_name;
+    friend class TimerSave;
+
+    QString m_name; // null for none: the empty name can be locked as well
 };

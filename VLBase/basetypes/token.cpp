@@ -98,15 +98,13 @@ QString Tokenizer::operator()()
 
 QString Tokenizer::next(QStringView delimiters)
 {
-    if (!m_position)
-        m_position = m_text->constData();
-    const auto* position = reinterpret_cast<const char16_t*>(m_position);
-    const auto* end = reinterpret_cast<const char16_t*>(m_text->constData() + m_text->size());
-    if (position >= end)
+    const QStringView text(*m_text);
+    if (m_position >= text.size())
         return QString();
-    const char16_t* start =
-        takeToken(position, end, delimiters.utf16(), static_cast<std::size_t>(delimiters.size()));
-    m_position = reinterpret_cast<const QChar*>(position);
+    const char16_t* position = text.utf16() + m_position;
+    const char16_t* start = takeToken(position, text.utf16() + text.size(), delimiters.utf16(),
+                                      static_cast<std::size_t>(delimiters.size()));
+    m_position = position - text.utf16();
     return QString(reinterpret_cast<const QChar*>(start), position - start);
 }
 
@@ -119,13 +117,13 @@ std::string CTokenizer::operator()(const char* delimiters)
 {
     using Byte = unsigned char;
     const auto bytes = [](const char* text) { return reinterpret_cast<const Byte*>(text); };
-    const Byte* end = bytes(m_text->data()) + m_text->size();
-    const Byte* position = bytes(m_position ? m_position : m_text->data());
-    if (position >= end)
+    if (m_position >= m_text->size())
         return std::string();
+    const Byte* text = bytes(m_text->data());
+    const Byte* position = text + m_position;
     const std::string_view set(delimiters ? delimiters : "");
-    const Byte* start = takeToken(position, end, bytes(set.data()), set.size());
-    m_position = reinterpret_cast<const char*>(position);
+    const Byte* start = takeToken(position, text + m_text->size(), bytes(set.data()), set.size());
+    m_position = static_cast<std::size_t>(position - text);
     return std::string(start, position);
 }
 

@@ -17,12 +17,13 @@ namespace Vela {
 ///     Tokenizer next(line);
 ///     for (QString word = next(); !word.isNull(); word = next())
 ///
-/// The text is not copied: it must outlive the tokenizer and not change meanwhile. Copies of a
-/// tokenizer go on independently.
+/// The text is not copied: it must outlive the tokenizer, and what is in front of the next token
+/// must not change meanwhile. Copies of a tokenizer go on independently.
 class VLBASE_EXPORT Tokenizer
 {
 public:
     explicit Tokenizer(const QString& text);
+    explicit Tokenizer(const QString&& text) = delete;
 
     /// The next token; a null string at the end, and an empty one that is not null for a token
     /// without characters.
@@ -42,7 +43,7 @@ private:
     QString next(QStringView delimiters);
 
     const QString* m_text;
-    const QChar* m_position = nullptr;
+    qsizetype m_position = 0;
 };
 
 /// The same for 8-bit text.
@@ -50,6 +51,7 @@ class VLBASE_EXPORT CTokenizer
 {
 public:
     explicit CTokenizer(const std::string& text);
+    explicit CTokenizer(const std::string&& text) = delete;
 
     /// The next token; an empty one at the end.
     /// \param delimiters up to the terminating zero; null means none.
@@ -57,7 +59,7 @@ public:
 
 private:
     const std::string* m_text;
-    const char* m_position = nullptr;
+    std::size_t m_position = 0;
 };
 
 /// Splits a text into at most `count` fields.

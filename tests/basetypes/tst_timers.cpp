@@ -108,6 +108,10 @@ private slots:
         std::make_unique<TimerSaveObject>(again).reset(); // a copy releases as well
         QVERIFY(lock("poll", again));
         QVERIFY(lock("static", staticToken));
+        for (int twice = 0; twice < 2; ++twice) { // the empty name is a name
+            TimerSaveObject token;
+            QVERIFY(lock("", token) && !lock("", again));
+        }
     }
 };
 

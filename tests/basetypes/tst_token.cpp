@@ -80,6 +80,24 @@ private Q_SLOTS:
         QCOMPARE(second(), u"d"_qs);
     }
 
+    void textMayMove()
+    {
+        static_assert(std::is_constructible_v<Tokenizer, const QString&>);
+        static_assert(!std::is_constructible_v<Tokenizer, QString>);
+        static_assert(!std::is_constructible_v<CTokenizer, const char*>);
+        QString text = u"a b c"_qs;
+        std::string bytes = "a b c";
+        Tokenizer next(text);
+        CTokenizer narrow(bytes);
+        QVERIFY(next() == u"a" && narrow(" ") == "a");
+        text.detach();
+        bytes.reserve(1000);
+        QVERIFY(next() == u"b" && narrow(" ") == "b");
+        text.truncate(1);
+        bytes.resize(1);
+        QVERIFY(next().isNull() && narrow(" ").empty());
+    }
+
     void nullDelimitersAreReported()
     {
         ErrorHandler& handler = ErrorHandler::Instance();
