@@ -25,21 +25,22 @@ QDateTime utcSecond(quint64 seconds)
     return utcSecond(static_cast<qint64>(seconds));
 }
 
-/// The second that an instant lies in. One that is not valid only because a change of the clocks
-/// skips it is resolved.
+/// The second that an instant lies in. Local times are read by our rule for those that the clocks
+/// skip or show twice.
 QDateTime utcSecond(const QDateTime& dateTime)
 {
-    const bool isLocal = dateTime.timeSpec() == Qt::LocalTime;
-    const QDateTime utc = isLocal && !dateTime.isValid()
+    const QDateTime utc = dateTime.timeSpec() == Qt::LocalTime
                               ? vlbase::localToUtc(dateTime.date(), dateTime.time())
                               : dateTime.toUTC();
     return utc.isValid() ? utc.addMSecs(-utc.time().msec()) : QDateTime();
 }
 
-void resolveSkippedTime(QDateTime& dateTime)
+/// The same for a date-time that stays local.
+QDateTime settled(const QDateTime& dateTime)
 {
-    if (!dateTime.isValid() && dateTime.date().isValid() && dateTime.time().isValid())
-        dateTime = vlbase::localToUtc(dateTime.date(), dateTime.time()).toLocalTime();
+    return dateTime.timeSpec() == Qt::LocalTime && dateTime.date().isValid()
+               ? vlbase::localToUtc(dateTime.date(), dateTime.time()).toLocalTime()
+               : dateTime;
 }
 
 int microsecondsOf(const QTime& time)
@@ -114,7 +115,7 @@ DateTime::DateTime(const QDate& date)
 }
 
 DateTime::DateTime(const QDate& date, const QTime& time)
-    : m_dateTime(utcSecond(vlbase::localToUtc(date, time)))
+    : m_dateTime(utcSecond(QDateTime(date, time)))
     , m_microseconds(microsecondsOf(time))
     , m_format(defaultFormat())
     , m_offset(localTimeOffset)
@@ -160,7 +161,7 @@ quint64 DateTime::getTimeStamp() const
 DateTime DateTime::addDays(int days) const
 {
     DateTime moved(*this);
-    moved.m_dateTime = m_dateTime.addDays(days);
+    moved.m_dateTime = settled(m_dateTime.addDays(days));
     return moved;
 }
 
@@ -198,14 +199,14 @@ int DateTime::second() const
 void DateTime::setDate(const QDate& date)
 {
     m_dateTime.setDate(date);
-    resolveSkippedTime(m_dateTime);
+    m_dateTime = settled(m_dateTime);
 }
 
 void DateTime::setTime(const QTime& time)
 {
     m_microseconds = microsecondsOf(time);
     m_dateTime.setTime(time.addMSecs(-microsecondsOf(time) / 1000));
-    resolveSkippedTime(m_dateTime);
+    m_dateTime = settled(m_dateTime);
 }
 
 void DateTime::setTime_t(unsigned int seconds)

@@ -36,7 +36,7 @@ public:
     DateTime();
     /// The start of a day in local time, shown as it is: the offset is 0, the date as given.
     DateTime(const QDate& date);
-    /// A local time, shown as local time.
+    /// A local time, shown as local time. A time that is not valid stands for midnight.
     DateTime(const QDate& date, const QTime& time);
     /// Shown as local time if it is one, as UTC otherwise.
     DateTime(const QDateTime& dateTime);

@@ -64,6 +64,7 @@ private slots:
             // One after the other, they differ in nothing but the season that is not now.
             {"AAA-1BBB-2,M9.5.0,M3.5.0", summer, 3600, 3600},
             {"AAA-1BBB0,M9.5.0,M3.5.0", summer, 3600, 0},
+            {"EST5EDT,0/0,J365/25", summer, -14400, -18000}, // daylight saving all year
             {"", summer, 0, 0},
         };
         const bool knowsLeapSeconds = QFile::exists(QStringLiteral("/usr/share/zoneinfo/right"));

@@ -54,6 +54,9 @@ long standardOffset(std::time_t instant, const LocalTime& here)
     // follows. Looking back from standard time would find what was abolished.
     if (!other && here.isDaylight)
         other = otherSeason(instant, here, -step);
+    // A zone that never leaves it, which only TZ describes, names its standard time all the same.
+    if (!other && here.isDaylight)
+        other = -::timezone;
     return other ? std::min(here.offset, *other) : here.offset;
 }
 
