@@ -226,7 +226,10 @@ public:
     /// name.
     ///
     /// The offset keeps six significant digits and the start frequency six decimals; the
-    /// calculation factor is not kept, because a reader takes the start channel for it.
+    /// calculation factor is not kept, because a reader takes the start channel for it. A name that
+    /// would not come back, and could cost the reader the document, is refused: nothing is appended
+    /// then, which is traced. That are names with control characters, halves of surrogate pairs, or
+    /// a carriage return among nothing but blanks.
     void Save(QDomDocument& doc, QDomElement& parent) const;
 
     /// Takes the fields over that the element's children name. Other elements are ignored;

@@ -8,17 +8,41 @@
 #include <QDomElement>
 #include <QDomText>
 
+#include <algorithm>
+
 namespace {
 
 constexpr unsigned traceMask = 0x20;
 
 // What is known of this place in the logs of the family.
-constexpr int traceLine = 321;
+constexpr unsigned short traceLine = 321;
+
+bool isBlank(const QString& text)
+{
+    return !text.isEmpty() && text.trimmed().isEmpty();
+}
+
+/// Whether XML 1.0 has the characters. One that it lacks costs the reader the whole document.
+bool isXmlText(const QString& text)
+{
+    return text.isValidUtf16() && std::none_of(text.cbegin(), text.cend(), [](QChar c) {
+               const bool isControl = c < u' ' && c != u'\t' && c != u'\n' && c != u'\r';
+               return isControl || c >= u'\uFFFE';
+           });
+}
+
+/// Whether a reader gets the text as it is: a carriage return is kept only as a reference, and
+/// blanks with nothing but them only where references are not possible.
+bool comesBack(const QString& text)
+{
+    return isXmlText(text) && !(isBlank(text) && text.contains(u'\r'));
+}
 
 void appendText(QDomDocument& doc, QDomElement& parent, const QString& tag, const QString& text)
 {
     QDomElement element = doc.createElement(tag);
-    element.appendChild(doc.createTextNode(text));
+    // A reader drops plain text of nothing but blanks.
+    element.appendChild(isBlank(text) ? doc.createCDATASection(text) : doc.createTextNode(text));
     parent.appendChild(element);
 }
 
@@ -42,16 +66,20 @@ QString textOf(const QDomElement& element)
     return text;
 }
 
-void traceBrokenElement()
+void trace(const QString& text, unsigned short line)
 {
     if (ErrorHandler::Instance().GetMessageMask() & traceMask)
-        _Q_Trace(QStringLiteral("error loading job."), QStringLiteral("basetypes/band"), traceLine);
+        _Q_Trace(text, QStringLiteral("basetypes/band"), line);
 }
 
 } // namespace
 
 void Band::Save(QDomDocument& doc, QDomElement& parent) const
 {
+    if (!comesBack(m_name)) {
+        trace(QStringLiteral("a band's name cannot be written as XML."), __LINE__);
+        return;
+    }
     const auto append = [&](const char* tag, const QString& text) {
         appendText(doc, parent, QLatin1String(tag), text);
     };
@@ -76,7 +104,7 @@ void Band::Read(QDomDocument&, QDomElement& element)
     for (QDomNode node = element.firstChild(); !node.isNull(); node = node.nextSibling()) {
         const QDomElement child = node.toElement();
         if (child.isNull()) {
-            traceBrokenElement();
+            trace(QStringLiteral("error loading job."), traceLine);
             return;
         }
         readField(child.tagName(), textOf(child));

@@ -85,6 +85,38 @@ private slots:
         }
     }
 
+    // One band's name must not cost the others their document.
+    void namesComeBackOrAreRefused()
+    {
+        const QString comeBack[] = {u"  "_qs, u"\t\n"_qs, u"\u00a0"_qs, u"\r\na\r"_qs,
+                                    u"\u007f\U0001F4E1"_qs};
+        const QString refused[] = {u"a\u0001"_qs,          QString(QChar()),       u" \r"_qs,
+                                   QString(QChar(0xD800)), QString(QChar(0xDC00)), u"\uFFFE"_qs};
+        for (const int indent : {-1, 4}) {
+            QDomDocument doc;
+            QDomElement root = doc.createElement(QStringLiteral("b"));
+            doc.appendChild(root);
+            const auto save = [&](const QString& name) {
+                QDomElement parent = doc.createElement(QStringLiteral("band"));
+                Band(name, 1.0, 0.0, true).Save(doc, parent);
+                return parent.hasChildNodes() && !root.appendChild(parent).isNull();
+            };
+            for (const QString& name : comeBack)
+                QVERIFY(save(name));
+            for (const QString& name : refused)
+                QVERIFY2(!save(name), qPrintable(name));
+            QDomDocument read;
+            QVERIFY(read.setContent(doc.toByteArray(indent)));
+            QDomElement element = read.documentElement().firstChildElement();
+            for (const QString& name : comeBack) {
+                Band band;
+                band.Read(read, element);
+                QCOMPARE(band.GetName(), name);
+                element = element.nextSiblingElement();
+            }
+        }
+    }
+
     void readText()
     {
         // Expected: name, spacing, type, channels, factor, start, raster.
