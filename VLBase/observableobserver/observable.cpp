@@ -2,6 +2,8 @@
 
 #include <VLBase/errorhandling/vlexception.h>
 
+#include <QScopeGuard>
+
 #include <algorithm>
 #include <typeinfo>
 
@@ -124,8 +126,8 @@ void Observable::NotifyObservers(TChangeCode code, IObserver* source)
     if (source && source == m_FirstObserver && m_bNotifying) {
         // The first observer wants whoever started the pass to be told after all.
         if (m_ExcludedObserver && m_ExcludedObserver != source) {
+            const auto told = qScopeGuard([this] { m_ExcludedObserver = nullptr; });
             m_ExcludedObserver->Update(this, code);
-            m_ExcludedObserver = nullptr;
         }
         return;
     }

@@ -12,11 +12,12 @@
 /// The ordinary observers are told in the order of their registration. One observer may be the
 /// first: it is told before all others. An observer that causes a change and names itself as its
 /// source is not told of it, unless the first observer decides so: by notifying with itself as
-/// source while it handles the change.
+/// source while it handles the change. A source that is removed before that is not told, whoever
+/// decides so: it may have ended.
 ///
 /// Observers are not owned: one that ends must have been removed. They may add and remove
 /// observers while they are told, themselves included; who is added during a pass is told from
-/// the next one on. Used from one thread.
+/// the next one on. One that throws ends the pass. Used from one thread.
 class VLBASE_EXPORT Observable
 {
 public:

@@ -133,6 +133,13 @@ private Q_SLOTS:
         a->m_answer = [] { throw std::runtime_error("no"); };
         QVERIFY_THROWS_EXCEPTION(std::runtime_error, pass(c));
         QCOMPARE(pass(a), u"bc"_qs);
+        // The source has heard of the change though it threw.
+        b->m_answer = [] { throw std::runtime_error("no"); };
+        a->m_answer = [this] {
+            QVERIFY_THROWS_EXCEPTION(std::runtime_error, subject->NotifyObservers(code, a.get()));
+            subject->NotifyObservers(code, a.get());
+        };
+        QCOMPARE(pass(b), u"abc"_qs);
         // A source that has ended meanwhile is not told.
         a->m_answer = [this] {
             end(b);
