@@ -19,7 +19,6 @@ using vlbase::logging::LineTime;
 using vlbase::logging::LogAttachment;
 using vlbase::logging::LogImage;
 using vlbase::logging::Role;
-using vlbase::platform::LockResult;
 
 using namespace std::chrono;
 
@@ -172,7 +171,8 @@ void CLogWriter::lockWithRoom()
 {
     LogAttachment& attachment = registration()->attachment();
     // The owner cannot make room for a thread that keeps it out.
-    if (m_fullBufferWait == 0 || !isFull() || attachment.isLockedByThisThread()) {
+    if (m_fullBufferWait == 0 || !isFull() || attachment.isLockedByThisThread() ||
+        attachment.isHolderHanging()) {
         LockData();
         return;
     }
@@ -180,10 +180,11 @@ void CLogWriter::lockWithRoom()
     bool isDone = false;
     while (!isDone) {
         sleepWhileFull(std::min(end, steady_clock::now() + longestLookAway));
-        const bool hasHung = attachment.lock() == LockResult::TimedOut;
-        isDone = hasHung || !isFull() || !IsWriterAvailable() || steady_clock::now() >= end;
+        LockData();
+        isDone = attachment.isHolderHanging() || !isFull() || !IsWriterAvailable() ||
+                 steady_clock::now() >= end;
         if (!isDone)
-            attachment.unlock();
+            UnLockData();
     }
 }
 

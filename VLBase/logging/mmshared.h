@@ -23,7 +23,8 @@ enum class OpenOutcome : int;
 ///
 /// The header's fields are guarded by a named mutex, `Lock`. It is recursive and is waited for
 /// at most 2000 ms: then its holder counts as dead, both halves are emptied and the caller
-/// goes on without it.
+/// goes on without it. From then on the process only tries the mutex, without a wait, and goes on
+/// without it, until it was free once.
 ///
 /// Nothing here throws. One object is used by one thread at a time; different objects need no
 /// care.

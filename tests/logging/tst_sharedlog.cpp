@@ -9,6 +9,7 @@
 #include <VLBase/platform/namedmutex.h>
 
 #include <QElapsedTimer>
+#include <QSemaphore>
 #include <QTest>
 
 #include <atomic>
@@ -250,36 +251,57 @@ void tst_SharedLog::foreignBuffer()
 // The mutex is taken by another thread, for which another process could stand.
 void tst_SharedLog::hangingHolder()
 {
-    TestShared owner(0, 500);
+    TestShared owner(0, 2000);
     CLogWriter writer;
-    writer.SendError(QString(350, u'x'), QString(), QString());
+    const QString text(1510, u'x');
+    const auto send = [&writer](const QString& field) {
+        QElapsedTimer time;
+        time.start();
+        writer.SendError(field, QString(), QString());
+        return time.elapsed();
+    };
+    send(text);
     QCOMPARE(owner.lines(0).size(), 1u);
     writer.SetFullBufferWait(60'000); // for the room that nobody can make meanwhile
-    std::atomic<bool> held{false};
-    std::atomic<bool> enough{false};
-    std::thread holder([&] {
-        const Lock lock(&owner);
-        held = true;
-        while (!enough)
-            std::this_thread::yield();
+    const auto behindAHolder = [&owner](const auto& act) {
+        QSemaphore held;
+        QSemaphore enough;
+        std::thread holder([&] {
+            const Lock lock(&owner);
+            held.release();
+            enough.acquire();
+        });
+        held.acquire();
+        act(enough);
+        enough.release();
+        holder.join();
+    };
+
+    behindAHolder([&](QSemaphore&) {
+        const qint64 waited = send(QStringLiteral("after"));
+        QVERIFY2(waited >= 1990 && waited < 3500, qPrintable(QString::number(waited)));
+        // The time is lost once. Nothing is emptied again, and nobody waits for room either.
+        QVERIFY(send(text) + send(QStringLiteral("tried")) < 500);
+        writer.UnLockData(); // not ours, and still not
+        QVERIFY(peekLog().lockHeld);
     });
-    while (!held)
-        std::this_thread::yield();
-    QElapsedTimer time;
-    time.start();
-    writer.SendError(QStringLiteral("after"), QString(), QString());
-    const qint64 waited = time.elapsed();
-    writer.UnLockData(); // not ours, and still not
-    const bool stillHeld = peekLog().lockHeld;
-    enough = true;
-    holder.join();
-    QVERIFY2(waited >= 1990 && waited < 3500, qPrintable(QString::number(waited)));
-    QVERIFY(stillHeld && !peekLog().lockHeld);
+    QVERIFY(!peekLog().lockHeld);
     for (const int half : {0, 1}) {
         const auto lines = owner.lines(half);
-        QCOMPARE(lines.size(), 1u);
+        QCOMPARE(lines.size(), 3u);
         QVERIFY(lines[0].substr(0, 7) == "100001\t" && lines[0].find("after") != std::string::npos);
+        QVERIFY(lines[2].substr(0, 7) == "100003\t" && lines[2].find("tried") != std::string::npos);
     }
+    // It was free once, so a holder is waited for again.
+    writer.SetFullBufferWait(0);
+    behindAHolder([&](QSemaphore& enough) {
+        std::thread later([&enough] {
+            QTest::qSleep(100);
+            enough.release();
+        });
+        QVERIFY(send(QString()) >= 90);
+        later.join();
+    });
 }
 
 void tst_SharedLog::glance()

@@ -79,7 +79,10 @@ LogStaging* LogAttachment::sharedStaging()
 
 LockResult LogAttachment::lock()
 {
-    const LockResult result = m_mutex.lock(lockTimeout);
+    const bool isTry = isHolderHanging();
+    const LockResult result = m_mutex.lock(isTry ? std::chrono::milliseconds(0) : lockTimeout);
+    if (isTry && result != LockResult::TimedOut)
+        m_isHolderHanging.store(false, std::memory_order_relaxed);
     switch (result) {
     case LockResult::Owned:
     case LockResult::Failed:
@@ -88,6 +91,9 @@ LockResult LogAttachment::lock()
         repair();
         break;
     case LockResult::TimedOut:
+        // Whoever waited at the same time must not take away what the first has written since.
+        if (m_isHolderHanging.exchange(true, std::memory_order_relaxed))
+            return LockResult::Failed;
         m_image.emptyHalves();
         if (m_reserve)
             m_reserve->noteHang();

@@ -6,6 +6,7 @@
 #include <VLBase/platform/namedmapping.h>
 #include <VLBase/platform/namedmutex.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -32,8 +33,10 @@ public:
     LogReserve* reserve() { return m_reserve ? &*m_reserve : nullptr; }
     LogStaging* sharedStaging();
 
-    /// Takes the mutex by the rule of the 2000 ms.
+    /// Takes the mutex by the rule of the 2000 ms. Once they were over in vain, which empties
+    /// both halves, the mutex is only tried, and `Failed` is the answer, until it was free once.
     platform::LockResult lock();
+    bool isHolderHanging() const { return m_isHolderHanging.load(std::memory_order_relaxed); }
     void unlock() { m_mutex.unlock(); }
     bool isLockedByThisThread() const { return m_mutex.isHeldByThisThread(); }
 
@@ -52,6 +55,7 @@ private:
 
     platform::NamedMapping m_mapping;
     platform::NamedMutex m_mutex;
+    std::atomic<bool> m_isHolderHanging{false};
     platform::NamedMapping m_reserveMapping;
     LogImage m_image;
     std::optional<LogReserve> m_reserve;
