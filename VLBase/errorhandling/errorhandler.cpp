@@ -147,6 +147,13 @@ ErrorHandler::ErrorHandler()
         SLOT(sl_protocolMessage(QString, QString, QString, QString, std::uint16_t, std::uint8_t)),
         Qt::QueuedConnection);
     qAddPostRoutine(&ErrorHandler::DeliverQueued);
+    const auto endOfThread = [this] {
+        if (m_bIsUnloading)
+            return;
+        m_bThreadHasEnded = true;
+        RecordQueued();
+    };
+    connect(thread(), &QThread::finished, this, endOfThread, Qt::DirectConnection);
     ErrorHandler::TurnLogFileOn();
 }
 
@@ -168,19 +175,47 @@ void ErrorHandler::ProtocolMessage(QString text, QString fileName, QString class
                                    QString methodName, unsigned short line, unsigned char level)
 {
     const QualityLock lock(m_QualityMutex);
-    // Without an application nothing is ever delivered, and a tracer that answers each record with
-    // a report would keep the event loop busy for ever.
-    const bool atOnce = m_bInsideTracer || QCoreApplication::closingDown();
-    if (atOnce && thread() == QThread::currentThread())
-        sl_protocolMessage(text, fileName, className, methodName, line, level);
-    else
+    QueuedReport report{text, fileName, className, methodName, line, level};
+    // A tracer that answers each record with a report would keep the event loop busy for ever.
+    if (m_bInsideTracer && thread() == QThread::currentThread())
+        return Record(report);
+    m_QueuedReports.push_back(std::move(report));
+    if (IsAnybodyDelivering())
         Q_EMIT si_protocolMessage(text, fileName, className, methodName, line, level);
+    else
+        RecordQueued();
+}
+
+bool ErrorHandler::IsAnybodyDelivering() const
+{
+    return !m_bThreadHasEnded && !m_bIsUnloading && !QCoreApplication::closingDown();
 }
 
 void ErrorHandler::sl_protocolMessage(QString text, QString fileName, QString className,
                                       QString methodName, std::uint16_t line, std::uint8_t level)
 {
-    Log(VLException(text, fileName, className, methodName, line, VLException::NoErrorId), level);
+    const QualityLock lock(m_QualityMutex);
+    if (sender() == this && !m_QueuedReports.empty())
+        m_QueuedReports.pop_front();
+    Record({text, fileName, className, methodName, line, level});
+}
+
+void ErrorHandler::Record(const QueuedReport& report)
+{
+    Log(VLException(report.text, report.fileName, report.className, report.methodName, report.line,
+                    VLException::NoErrorId),
+        report.level);
+}
+
+void ErrorHandler::RecordQueued()
+{
+    const QualityLock lock(m_QualityMutex);
+    QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
+    while (!m_QueuedReports.empty()) {
+        const QueuedReport report = std::move(m_QueuedReports.front());
+        m_QueuedReports.pop_front();
+        Record(report);
+    }
 }
 
 void ErrorHandler::trace(QString text, QString fileName, QString className, QString methodName,
@@ -430,6 +465,7 @@ ErrorHandler::AtUnload::~AtUnload()
     // holds is left alone; waiting for it would take for ever.
     ErrorHandler* const handler = s_instance;
     if (handler) {
+        handler->m_bIsUnloading = true;
         if (!handler->m_QualityMutex.tryLock(PatienceMs))
             return;
         handler->m_QualityMutex.unlock();
@@ -438,6 +474,8 @@ ErrorHandler::AtUnload::~AtUnload()
     if (!lock.try_lock_for(std::chrono::milliseconds(PatienceMs)))
         return;
     lock.unlock();
+    if (handler)
+        handler->RecordQueued();
     SetLogTracer(nullptr);
     SetMessageDlg(nullptr);
     if (handler)

@@ -35,9 +35,11 @@ class MessageList;
 /// the text log instead, so that a tracer which answers every record with a report comes to an
 /// end.
 ///
-/// Reports that still wait for the event loop when the application object ends are recorded then,
-/// and later ones of the same thread at once, so that destructors of static objects may report.
-/// When the library is unloaded, tracer and dialog are destroyed and the text log is closed.
+/// Reports that still wait for the event loop when the application object or the handler's thread
+/// ends are recorded then, and later ones at once in the thread that makes them, so that
+/// destructors of static objects may report. What waits when the library is unloaded, because the
+/// process ends while the application object lives, is recorded before tracer and dialog are
+/// destroyed and the text log is closed.
 /// Reports that are made even later, by a thread that nobody has ended, do no harm.
 class VLBASE_EXPORT ErrorHandler : public QObject, public IErrorHandler, public IErrorHandlerBase
 {
@@ -115,6 +117,15 @@ Q_SIGNALS:
 private:
     struct Installed;
     struct AtUnload;
+    struct QueuedReport
+    {
+        QString text;
+        QString fileName;
+        QString className;
+        QString methodName;
+        unsigned short line;
+        unsigned char level;
+    };
     struct DeferredReport
     {
         QString record;
@@ -127,6 +138,9 @@ private:
     static Installed& installed();
     static void DeliverQueued();
 
+    bool IsAnybodyDelivering() const;
+    void Record(const QueuedReport& report);
+    void RecordQueued();
     void Configure();
     void Log(const VLException& exception, unsigned char level);
     void DeliverDeferred();
@@ -149,6 +163,11 @@ private:
     std::unique_ptr<LogFile> m_LogFile;
     std::unique_ptr<MessageList> m_Messages;
     std::vector<std::function<void()>> m_UncaughtHandlers;
+
+    // What the posted events carry, in their order, for the case that nobody delivers them.
+    std::deque<QueuedReport> m_QueuedReports;
+    std::atomic<bool> m_bThreadHasEnded = false;
+    std::atomic<bool> m_bIsUnloading = false;
 
     bool m_bInsideTracer = false;
     std::deque<DeferredReport> m_DeferredReports;

@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <cstdlib>
 #include <thread>
 
 // How a process ends that reports to the last: the program starts itself again in a role, and the
@@ -71,6 +72,41 @@ void reportInSeveralApplications(int argc, char** argv)
     }
 }
 
+// Ends while the application lives.
+void exitInTheMiddle(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    reportBothWays("main");
+    std::exit(0);
+}
+
+void exitInAnotherThread(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    reportBothWays("main");
+    std::thread([] { std::exit(0); }).join();
+}
+
+void reportFromAThreadAfterTheEnd(int argc, char** argv)
+{
+    {
+        const QCoreApplication application(argc, argv);
+        reportBothWays("main");
+    }
+    std::thread([] {
+        reportBothWays("late");
+        reportBothWays("later");
+    }).join();
+}
+
+void endTheThreadOfTheHandler(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    std::thread([] { reportBothWays("its thread"); }).join();
+    reportBothWays("main");
+    reportBothWays("main again");
+}
+
 void leaveThreadsRunning(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
@@ -102,6 +138,14 @@ const Role roles[] = {
     {reportInSeveralApplications,
      {"first at once", "first queued", "second at once", "second queued", "third at once",
       "third queued"}},
+    {exitInTheMiddle, {"main at once", "main queued"}},
+    {exitInAnotherThread, {"main at once", "main queued"}},
+    {reportFromAThreadAfterTheEnd,
+     {"main at once", "main queued", "late at once", "late queued", "later at once",
+      "later queued"}},
+    {endTheThreadOfTheHandler,
+     {"its thread at once", "its thread queued", "main at once", "main queued",
+      "main again at once", "main again queued"}},
     {leaveThreadsRunning, {"thread at once"}},
 };
 
