@@ -20,7 +20,8 @@ public:
 
     /// Closes the text log file.
     virtual void TurnLogFileOff() = 0;
-    /// Opens the text log file, "Logger.txt" in the temporary directory, unless it is open.
+    /// Opens the text log file, "Logger.txt" in the temporary directory, unless it is open. On
+    /// Linux, where that is a link or somebody else's, it is "Logger.<uid>.txt" beside it.
     virtual void TurnLogFileOn() = 0;
 
     /// Shows an error and waits for the user's answer.

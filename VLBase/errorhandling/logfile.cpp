@@ -1,7 +1,7 @@
 #include "logfile.h"
 
 LogFile::LogFile(const QString& path)
-    : VLTextFile(path, true)
+    : VLTextFile(path)
 {
 }
 

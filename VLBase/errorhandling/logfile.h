@@ -7,7 +7,10 @@
 
 #include <string>
 
-/// The text log of the error handler: a text file that is created when it is missing.
+/// The text log of the error handler: a text file of this user's own, created when it is missing.
+///
+/// On Linux links are not followed; where one stands, or a file of somebody else, the user's
+/// number goes before the name's extension.
 class VLBASE_EXPORT LogFile : public VLTextFile
 {
 public:

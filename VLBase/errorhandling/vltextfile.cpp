@@ -3,6 +3,7 @@
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/quality.h>
 #include <VLBase/errorhandling/vlexception.h>
+#include <VLBase/platform/ownfile.h>
 
 #include <QTextStream>
 
@@ -32,7 +33,13 @@ VLTextFile::VLTextFile(const QString& path, bool create)
                           "VLTextFile", "ctor", ThrowLine, VLException::NoErrorId);
     }
     // A file that cannot be opened swallows what is written to it.
-    static_cast<void>(m_File.open(QIODevice::ReadWrite));
+    static_cast<void>(m_File.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+}
+
+VLTextFile::VLTextFile(const QString& path)
+    : m_File(path)
+{
+    static_cast<void>(vlbase::platform::openOwnFile(m_File));
 }
 
 VLTextFile::~VLTextFile() = default;
@@ -40,7 +47,8 @@ VLTextFile::~VLTextFile() = default;
 bool VLTextFile::Open(int mode)
 {
     // Qt would warn about a file that is open.
-    return m_File.exists() && !m_File.isOpen() && m_File.open(QIODevice::OpenMode(mode));
+    return m_File.exists() && !m_File.isOpen() &&
+           m_File.open(QIODevice::OpenMode(mode) | QIODevice::Unbuffered);
 }
 
 QString VLTextFile::ReadLine()
@@ -58,22 +66,29 @@ QString VLTextFile::ReadLine()
 unsigned short VLTextFile::WriteLine(const std::string& line)
 {
     // Not through a text stream, which would change bytes that are not UTF-8.
-    if (m_File.isWritable()) {
-        m_File.write(line.data(), static_cast<qint64>(line.size()));
-        m_File.putChar('\n');
-        m_File.flush();
-    }
+    write(QByteArray(line.data(), static_cast<qsizetype>(line.size())));
     return countOf(line.size());
 }
 
 unsigned short VLTextFile::WriteLine(const QString& line)
 {
     const std::wstring text = line.toStdWString();
-    if (m_File.isWritable()) {
-        QTextStream(&m_File) << static_cast<const void*>(text.c_str()) << Qt::endl;
-        m_File.flush();
-    }
+    QByteArray address;
+    QTextStream(&address) << static_cast<const void*>(text.c_str());
+    write(address);
     return countOf(static_cast<std::size_t>(line.size()));
+}
+
+// In one piece and past all buffers: on a full disk a buffer would keep ends of lines whose texts
+// are lost. What fitted of a line is overwritten by the next one.
+void VLTextFile::write(QByteArray line)
+{
+    if (!m_File.isWritable())
+        return;
+    line += '\n';
+    const qint64 begin = m_File.pos();
+    if (m_File.write(line) != line.size() && !m_File.isSequential())
+        m_File.seek(begin);
 }
 
 unsigned short VLTextFile::AppendLine(const std::string& line)

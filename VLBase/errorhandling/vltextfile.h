@@ -2,6 +2,7 @@
 
 #include <VLBase/vlbase_export.h>
 
+#include <QByteArray>
 #include <QFile>
 #include <QString>
 
@@ -39,7 +40,7 @@ public:
     /// The next line without its end, or an empty text at the end of the file.
     QString ReadLine();
 
-    /// Writes a line and its end, and flushes the file.
+    /// Writes a line and its end. A line for which the disk has no room is lost as a whole.
     /// \return the length of the line plus 2, modulo 65536, whether or not it could be written
     unsigned short WriteLine(const std::string& line);
     /// Writes the address of a converted copy of the line, in hexadecimal, in place of its text.
@@ -53,7 +54,14 @@ public:
     bool isOpen() const;
     qint64 size() const;
 
+protected:
+    /// Opens or creates a file of this user's own. On Linux links are not followed; where one
+    /// stands, or a file of somebody else, the user's number goes before the name's extension.
+    explicit VLTextFile(const QString& path);
+
 private:
+    void write(QByteArray line);
+
     QFile m_File;
     std::unique_ptr<QTextStream> m_ReadStream;
 };

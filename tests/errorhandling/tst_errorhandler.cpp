@@ -15,6 +15,7 @@
 
 #ifdef Q_OS_LINUX
 #include <pthread.h>
+#include <unistd.h>
 #endif
 
 namespace {
@@ -327,6 +328,38 @@ private Q_SLOTS:
         handler().ProtocolException(exceptionOf(u"r"_qs));
         QVERIFY(!handler().GetLogFile() && m_log.sent.size() == 1);
     }
+
+#ifdef Q_OS_LINUX
+    // What others put into a directory that all share.
+    void keepsOutOfFilesOfOthers()
+    {
+        const QByteArray planted = QFile::encodeName(m_temp.filePath(u"Logger.txt"_qs));
+        const QByteArray victim = QFile::encodeName(m_temp.filePath(u"victim"_qs));
+        const QString own = m_temp.filePath(u"Logger.%1.txt"_qs.arg(geteuid()));
+        const std::function<bool()> plants[] = {
+            [&] { return symlink(victim.constData(), planted.constData()) == 0; },
+            [&] { return link(victim.constData(), planted.constData()) == 0; },
+            [&] { // another user's; only root can give files away
+                return geteuid() != 0 ||
+                       (QFile::copy(QFile::decodeName(victim), QFile::decodeName(planted)) &&
+                        chown(planted.constData(), 1, 1) == 0);
+            }};
+        for (const auto& plant : plants) {
+            QFile file(QFile::decodeName(victim));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write("kept") == 4);
+            file.close();
+            QVERIFY(plant());
+            const bool isForeign = QFileInfo::exists(QFile::decodeName(planted));
+            handler().TurnLogFileOn();
+            handler().ProtocolException(exceptionOf(u"r"_qs));
+            handler().TurnLogFileOff();
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QCOMPARE(file.readAll(), QByteArray("kept"));
+            QCOMPARE(QFile::remove(own), isForeign);
+            QVERIFY(QFile::remove(QFile::decodeName(planted)));
+        }
+    }
+#endif
 
 #ifdef Q_OS_LINUX // elsewhere the end of a thread unwinds nothing
     void letsAThreadEndInsideTracerAndDialog()

@@ -8,6 +8,11 @@
 
 #include <QtTest>
 
+#ifdef Q_OS_LINUX
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
 namespace {
 
 void put(const QString& path, const QByteArray& content)
@@ -122,6 +127,28 @@ private Q_SLOTS:
             QVERIFY(file.isOpen() || file.ReadLine().isEmpty());
         }
     }
+
+#ifdef Q_OS_LINUX
+    void losesWholeLinesOnAFullDisk()
+    {
+        const auto limitFiles = [](rlim_t bytes) {
+            rlimit limit = {};
+            getrlimit(RLIMIT_FSIZE, &limit);
+            limit.rlim_cur = std::min(bytes, limit.rlim_max);
+            setrlimit(RLIMIT_FSIZE, &limit);
+        };
+        std::signal(SIGXFSZ, SIG_IGN);
+        const QString path = m_temp.filePath(u"full"_qs);
+        LogFile file(path);
+        file.AddMessage("first");
+        limitFiles(8);
+        for (int i = 0; i < 10'000; ++i)
+            file.AddMessage("lost");
+        limitFiles(RLIM_INFINITY);
+        file.AddMessage("last");
+        QCOMPARE(contentOf(path), QByteArray("first\nlast\n"));
+    }
+#endif
 
     void opensAFileThatCameLater()
     {
