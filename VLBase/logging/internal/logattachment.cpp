@@ -85,6 +85,11 @@ LockResult LogAttachment::lock()
         m_isHolderHanging.store(false, std::memory_order_relaxed);
     switch (result) {
     case LockResult::Owned:
+        // All at once, where the steps of adding a line would ask for them one after another.
+        m_image.prefetchEnds();
+        if (m_reserve)
+            m_reserve->prefetchSeal();
+        break;
     case LockResult::Failed:
         break;
     case LockResult::OwnedAfterDeath:

@@ -1,6 +1,7 @@
 #include "logimage.h"
 
 #include <VLBase/logging/internal/lineindex.h>
+#include <VLBase/logging/internal/prefetch.h>
 
 #include <algorithm>
 #include <cstring>
@@ -198,6 +199,16 @@ void LogImage::setAcceptsDataBlocks(bool accepts)
 
 namespace {
 
+// Error reports are about as long.
+constexpr std::size_t usualLine = 2 * cacheLineSize;
+
+// Whoever adds lines finds the places that the owner has just read in the owner's cache.
+void prefetchLines(const char* place)
+{
+    for (std::size_t ahead = 0; ahead <= usualLine; ahead += cacheLineSize)
+        prefetchForWriting(place + ahead);
+}
+
 // Length of the oldest line with its zero; all of \a fill when no zero ends it. The search
 // begins behind the first byte, by contract, so a leading empty line goes with the next one.
 int oldestLine(const char* lines, int fill)
@@ -244,7 +255,14 @@ bool LogImage::append(int index, std::string_view line)
     std::memcpy(lines + used, line.data(), line.size());
     lines[used + needed - 1] = '\0';
     setFill(index, used + needed);
+    prefetchLines(lines + used + needed + usualLine);
     return true;
+}
+
+void LogImage::prefetchEnds() const
+{
+    for (const int index : {0, 1})
+        prefetchLines(half(index) + fill(index));
 }
 
 void LogImage::keepNewest(int index, int bytes)

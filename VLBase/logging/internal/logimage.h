@@ -77,6 +77,9 @@ public:
     /// the line can never fit.
     bool append(int index, std::string_view line);
 
+    /// Asks the processor for the places where the next line will stand.
+    void prefetchEnds() const;
+
     /// Cuts the oldest lines off, so that at most \a bytes of whole lines are left.
     void keepNewest(int index, int bytes);
 

@@ -2,6 +2,7 @@
 
 #include <VLBase/logging/internal/linehash.h>
 #include <VLBase/logging/internal/lineindex.h>
+#include <VLBase/logging/internal/prefetch.h>
 
 #include <algorithm>
 #include <cstring>
@@ -123,6 +124,13 @@ void LogReserve::seal(std::uint64_t position, std::string_view line)
     const std::uint64_t period = position / numberPeriod + 1;
     m_seals[position % numberPeriod].store(period << 32 | sealHash(lineHash(line)),
                                            std::memory_order_relaxed);
+}
+
+void LogReserve::prefetchSeal() const
+{
+    prefetchForWriting(&m_header->nextPosition);
+    if (const std::optional<std::uint64_t> slot = slotOfCounter(m_image.index()))
+        prefetchForWriting(&m_seals[*slot]);
 }
 
 std::optional<LogReserve::Seal> LogReserve::sealAt(std::uint64_t slot) const

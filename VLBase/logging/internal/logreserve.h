@@ -50,6 +50,9 @@ public:
     /// Position of the next number.
     std::uint64_t reached() const;
 
+    /// Asks the processor for the place of the next number's seal.
+    void prefetchSeal() const;
+
     void seal(std::uint64_t position, std::string_view line);
     std::optional<Seal> sealAt(std::uint64_t slot) const;
     static std::uint32_t sealHash(std::uint64_t lineHash);

@@ -91,15 +91,20 @@ void relax()
 }
 
 // The holder is mostly done within a microsecond, sooner than the system could put a thread to
-// sleep and wake it. So a few looks come first, and a try only when it seems free.
+// sleep and wake it. So a few looks come first, and a try only when it seems free. They grow
+// rarer: each look takes the holder's cache lines away, and a holder that is left alone for some
+// microseconds adds many lines at the cost of one that changes hands.
 int lockSoon(SharedMutex* shared)
 {
-    constexpr int looks = 32;
-    constexpr int pausesPerLook = 8;
+    constexpr int firstPauses = 8;
+    constexpr int mostPauses = 256;
+    constexpr int looks = 7;
     int status = pthread_mutex_trylock(&shared->mutex);
+    int pauses = firstPauses;
     for (int look = 0; status == EBUSY && look < looks; ++look) {
-        for (int pause = 0; pause < pausesPerLook; ++pause)
+        for (int pause = 0; pause < pauses; ++pause)
             relax();
+        pauses = std::min(2 * pauses, mostPauses);
         if (shared->held.load(std::memory_order_relaxed) == 0)
             status = pthread_mutex_trylock(&shared->mutex);
     }
