@@ -8,15 +8,16 @@ namespace bench {
 namespace {
 
 constexpr std::string_view head = "100000\t2026-03-01 12:00:00\tUTC: 0.000000\tstation-07\t"
-                                  "receiver\tError\tinput 3 saturated\t";
-constexpr std::size_t tailLength = 2 + Counter::width;
+                                  "receiver\tError\tinput saturated\t";
 
 static_assert(head.size() + detail.size() + 1 + tailLength == lineLength);
 
-std::uint64_t valueOf(const char* digits)
+constexpr std::size_t writerWidth = tailLength - 1 - Counter::width;
+
+std::uint64_t valueOf(std::string_view digits)
 {
     std::uint64_t value = 0;
-    std::from_chars(digits, digits + Counter::width, value);
+    std::from_chars(digits.data(), digits.data() + digits.size(), value);
     return value;
 }
 
@@ -41,7 +42,8 @@ void Counter::assign(const char* digits)
 LineMaker::LineMaker(int writer)
     : m_line(head)
 {
-    m_line.append(detail).append(1, '\t').append(1, static_cast<char>('0' + writer));
+    const std::string digits = std::to_string(writer);
+    m_line.append(detail).append(1, '\t').append(writerWidth - digits.size(), '0').append(digits);
     m_line.append(1, ' ').append(m_counter.digits(), Counter::width);
 }
 
@@ -64,17 +66,17 @@ void Tally::take(std::string_view line)
         return;
     }
     const std::string_view tail = line.substr(lineLength - tailLength);
-    const auto writer = static_cast<std::size_t>(tail[0] - '0');
+    const auto writer = static_cast<std::size_t>(valueOf(tail.substr(0, writerWidth)));
     if (writer >= m_expected.size() ||
         line.substr(lineLength - tailLength - 1 - detail.size(), detail.size()) != detail) {
         ++m_bad;
         return;
     }
     Counter& expected = m_expected[writer];
-    const std::string_view number = tail.substr(2);
+    const std::string_view number = tail.substr(writerWidth + 1);
     if (number != std::string_view(expected.digits(), Counter::width)) {
-        const std::uint64_t due = valueOf(expected.digits());
-        const std::uint64_t got = valueOf(number.data());
+        const std::uint64_t due = valueOf({expected.digits(), Counter::width});
+        const std::uint64_t got = valueOf(number);
         if (got < due) {
             ++m_bad;
             return;

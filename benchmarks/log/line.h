@@ -12,8 +12,8 @@ namespace bench {
 /// Length of every line that is carried, without its terminator: what a usual error report is.
 inline constexpr std::size_t lineLength = 135;
 
-/// Writers are told apart by one digit.
-inline constexpr int maxWriters = 9;
+/// Writers are told apart by three digits.
+inline constexpr int maxWriters = 999;
 
 /// A decimal number of eight digits that counts in place, so that neither the making nor the
 /// checking of a line costs a conversion.
@@ -31,11 +31,14 @@ private:
     std::array<char, width> m_digits{'0', '0', '0', '0', '0', '0', '0', '0'};
 };
 
+/// The last field: the writer's digits, a blank and a `Counter`.
+inline constexpr std::size_t tailLength = 4 + Counter::width;
+
 /// The event field before the last one. It is the same in every line and checked on receipt.
 inline constexpr std::string_view detail = "signal above the limit of the converter";
 
-/// The lines of one writer: log lines whose last field is the writer's digit, a blank and the
-/// number of the line.
+/// The lines of one writer: log lines whose last field is the writer's digits, a blank and
+/// the number of the line.
 class LineMaker
 {
 public:

@@ -3,10 +3,12 @@
 #include "contest.h"
 #include "line.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <getopt.h>
+#include <iterator>
 #include <sstream>
 
 namespace {
@@ -16,7 +18,9 @@ constexpr char usage[] =
 
   --lines N         lines of one run, of all writers together (400000)
   --repetitions N   interleaved repetitions of every measurement (7)
-  --writers LIST    numbers of writing processes (1,2,4)
+  --writers LIST    numbers of writing processes (1,2,4,8)
+  --tables LIST     idle, busy, crowd, viewers, losses (all of them)
+  --only TEXT       measures the peers alone that have this in their names
   --folder PATH     where the file loggers write ($TMPDIR, or /tmp)
 )";
 
@@ -34,6 +38,30 @@ bool readWriters(const char* text, std::vector<int>& writers)
     return !writers.empty();
 }
 
+struct Table
+{
+    const char* name;
+    void (*run)(const bench::Options&);
+};
+
+constexpr Table tables[] = {{"idle", bench::runContest},
+                            {"busy", bench::runBusyContest},
+                            {"crowd", bench::runCrowd},
+                            {"viewers", bench::runViewers},
+                            {"losses", bench::runLosses}};
+
+bool readTables(const char* text, std::vector<std::string>& chosen)
+{
+    std::istringstream list(text);
+    for (std::string item; std::getline(list, item, ',');) {
+        if (std::none_of(std::begin(tables), std::end(tables),
+                         [&item](const Table& table) { return item == table.name; }))
+            return false;
+        chosen.push_back(item);
+    }
+    return !chosen.empty();
+}
+
 bool readOptions(int argc, char** argv, bench::Options& options)
 {
     const char* temporary = std::getenv("TMPDIR");
@@ -41,6 +69,8 @@ bool readOptions(int argc, char** argv, bench::Options& options)
     const option known[] = {{"lines", required_argument, nullptr, 'l'},
                             {"repetitions", required_argument, nullptr, 'r'},
                             {"writers", required_argument, nullptr, 'w'},
+                            {"tables", required_argument, nullptr, 't'},
+                            {"only", required_argument, nullptr, 'o'},
                             {"folder", required_argument, nullptr, 'f'},
                             {nullptr, 0, nullptr, 0}};
     for (int given; (given = getopt_long(argc, argv, "", known, nullptr)) != -1;) {
@@ -54,6 +84,13 @@ bool readOptions(int argc, char** argv, bench::Options& options)
         case 'w':
             if (!readWriters(optarg, options.writers))
                 return false;
+            break;
+        case 't':
+            if (!readTables(optarg, options.tables))
+                return false;
+            break;
+        case 'o':
+            options.only = optarg;
             break;
         case 'f':
             options.folder = optarg;
@@ -95,8 +132,10 @@ int main(int argc, char** argv)
     // One zone for all machines: its offset is part of every line.
     ::setenv("TZ", "UTC", 1);
     stopOnSignals();
-    bench::runContest(options);
-    bench::runViewers(options);
-    bench::runLosses(options);
+    for (const Table& table : tables) {
+        const auto& chosen = options.tables;
+        if (chosen.empty() || std::count(chosen.begin(), chosen.end(), table.name) > 0)
+            table.run(options);
+    }
     return bench::stopAsked() ? 1 : 0;
 }

@@ -88,7 +88,8 @@ public:
         // The station's name is this machine's, so the first field makes up the length.
         const auto others = QStringLiteral("100000\t2026-03-01 12:00:00\tUTC: 0.000000\t").size() +
                             m_writer.GetStationName().size() + 1 + m_writer.GetModuleName().size() +
-                            QStringLiteral("\tError\t\t").size() + m_detail.size() + 11;
+                            QStringLiteral("\tError\t\t").size() + m_detail.size() + 1 +
+                            qsizetype{tailLength};
         if (others > qsizetype{lineLength})
             throw std::runtime_error("this machine's name is too long for the line");
         m_subject = QString(qsizetype{lineLength} - others, QLatin1Char('.'));
