@@ -151,7 +151,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     input.copyTo(bytes, std::min(mapped, interesting));
     LogReserve::isReserve(bytes, mapped);
     if (!LogImage::defect(bytes, mapped))
-        useLog(LogImage::view(bytes, size), input);
+        useLog(LogImage::view(bytes, mapped), input);
     std::free(bytes);
     return 0;
 }

@@ -1,4 +1,5 @@
 #include <VLBase/logging/internal/logimage.h>
+#include <VLBase/logging/internal/logstaging.h>
 
 #include <QTest>
 
@@ -8,6 +9,7 @@
 #include <vector>
 
 using vlbase::logging::LogImage;
+using vlbase::logging::LogStaging;
 
 namespace {
 
@@ -88,6 +90,7 @@ private slots:
     void numbers();
     void keepNewest();
     void repair();
+    void stagingWithoutRoom();
 };
 
 void tst_LogImage::appendLikeTheContract()
@@ -178,6 +181,22 @@ void tst_LogImage::repair()
         own.image.repair();
         QVERIFY(own.image.fill(1) == 0 && own.isGuardIntact());
     }
+}
+
+void tst_LogImage::stagingWithoutRoom()
+{
+    TestImage own(100);
+    own.image.append(1, "line");
+    LogStaging::Control control;
+    control.taken = control.moveEnd = 5;
+    LogStaging staging(&control, nullptr, 0);
+    QVERIFY(!staging.take(own.image) && staging.pending().empty());
+    staging.finishMove(own.image);
+    staging.markWritten(5);
+    QCOMPARE(staging.bytes(), std::size_t(5));
+    staging.discardIfDamaged();
+    QCOMPARE(staging.bytes(), std::size_t(0));
+    QCOMPARE(own.content(1), std::string("line\0", 5));
 }
 
 QTEST_GUILESS_MAIN(tst_LogImage)

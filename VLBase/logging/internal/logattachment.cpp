@@ -27,6 +27,8 @@ std::shared_ptr<LogAttachment> LogAttachment::join(bool& absent)
         !attachment->m_mutex.open(objectName(mutexObject)))
         return nullptr;
     attachment->m_image = LogImage::view(mapping.data(), mapping.size());
+    if (attachment->m_image.bufferSize() == 0)
+        return nullptr;
 
     NamedMapping& reserve = attachment->m_reserveMapping;
     if (reserve.open(objectName(reserveObject)) == NamedMapping::Opened::Done &&

@@ -24,11 +24,13 @@ std::uint64_t LogStaging::nextRound(std::uint64_t end) const
 // Whether the lines from \a begin to \a end leave out the rest of the round after \a at.
 bool LogStaging::skips(std::uint64_t at, std::uint64_t begin, std::uint64_t end) const
 {
-    return at >= begin && at % m_size != 0 && nextRound(at) < end;
+    return m_size > 0 && at >= begin && at % m_size != 0 && nextRound(at) < end;
 }
 
 bool LogStaging::take(LogImage& image)
 {
+    if (m_size == 0)
+        return false;
     const int fill = image.fill(1);
     const auto bytes = static_cast<std::uint64_t>(fill);
     const std::uint64_t end = m_control->taken.load(std::memory_order_relaxed);
@@ -62,7 +64,7 @@ void LogStaging::finishMove(LogImage& image)
 {
     const std::uint64_t end = m_control->moveEnd.load(std::memory_order_acquire);
     const std::uint64_t bytes = m_control->moveBytes.load(std::memory_order_relaxed);
-    if (end == 0)
+    if (end == 0 || m_size == 0)
         return;
     if (end == m_control->taken.load(std::memory_order_acquire) && bytes <= end &&
         bytes <= static_cast<std::uint64_t>(image.fill(1)) &&
@@ -76,7 +78,8 @@ std::string_view LogStaging::pending() const
 {
     const std::uint64_t end = m_control->taken.load(std::memory_order_acquire);
     std::uint64_t begin = m_control->written.load(std::memory_order_relaxed);
-    if (begin >= end || end >= farthest) // ahead for a moment while the ring begins anew
+    if (m_size == 0 || begin >= end ||
+        end >= farthest) // ahead for a moment while the ring begins anew
         return {};
     std::uint64_t stop = end;
     // Read once: whatever others write there meanwhile, the piece lies in the ring.

@@ -15,7 +15,7 @@ namespace vlbase::logging {
 ///
 /// Ends are counted in bytes since ever; a byte's place is its count modulo the ring's size. A
 /// drain is never split: when it does not fit before the ring's end, the rest of the round is
-/// skipped. One thread takes, another may read and mark.
+/// skipped. One thread takes, another may read and mark. A ring of no bytes takes nothing.
 class VLBASE_EXPORT LogStaging
 {
 public:
