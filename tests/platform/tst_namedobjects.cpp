@@ -17,6 +17,11 @@
 #include <functional>
 #include <thread>
 #include <vector>
+#ifdef Q_OS_UNIX // only there a program can fork
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 using namespace vlbase::platform;
 using namespace std::chrono_literals;
@@ -66,6 +71,7 @@ private slots:
     void mutex();
     void openingLock();
     void claim();
+    void claimOfForkedProgram();
 
 private:
     /// Under Wine the host's folder may be seen, which means nothing there.
@@ -234,6 +240,40 @@ void tst_NamedObjects::claim()
         });
         QCOMPARE(winners.load(), 1);
     }
+}
+
+void tst_NamedObjects::claimOfForkedProgram()
+{
+#ifdef Q_OS_UNIX
+    int ends[2] = {};
+    QCOMPARE(pipe(ends), 0);
+    const pid_t holder = fork();
+    if (holder == 0) {
+        NamedClaim claim;
+        const bool isTaken = claim.take(m_name);
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(60);
+            pause();
+            _exit(0);
+        }
+        static_cast<void>(!write(ends[1], &child, sizeof child));
+        _exit(isTaken ? 0 : 1); // as if it were killed: the claim is not released
+    }
+    pid_t child = 0;
+    QCOMPARE(read(ends[0], &child, sizeof child), ssize_t(sizeof child));
+    int status = 0;
+    waitpid(holder, &status, 0);
+    NamedClaim successor;
+    const bool succeeds = successor.take(m_name);
+    kill(child, SIGKILL);
+    close(ends[0]);
+    close(ends[1]);
+    QCOMPARE(status, 0);
+    QVERIFY(succeeds);
+#else
+    QSKIP("programs do not fork here");
+#endif
 }
 
 QTEST_GUILESS_MAIN(tst_NamedObjects)

@@ -1,11 +1,15 @@
 #include "sharedfile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <mutex>
+#include <pthread.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace vlbase::platform {
 
@@ -26,6 +30,46 @@ struct flock wholeFile(short type)
     return lock;
 }
 
+/// The descriptors of all claims of this process. A forked child would keep their locks for as
+/// long as it lives, so it closes them first thing.
+class ClaimedDescriptors
+{
+public:
+    static ClaimedDescriptors& instance()
+    {
+        static auto& descriptors = *new ClaimedDescriptors;
+        return descriptors;
+    }
+
+    /// Held from before a claim's lock is taken until it is added: nobody forks in between.
+    std::mutex& mutex() { return m_mutex; }
+    void add(int descriptor) { m_descriptors.push_back(descriptor); }
+    void close(int descriptor)
+    {
+        const std::lock_guard guard(m_mutex);
+        m_descriptors.erase(std::remove(m_descriptors.begin(), m_descriptors.end(), descriptor),
+                            m_descriptors.end());
+        ::close(descriptor);
+    }
+
+private:
+    ClaimedDescriptors()
+    {
+        pthread_atfork([] { instance().m_mutex.lock(); }, [] { instance().m_mutex.unlock(); },
+                       [] { instance().closeAllInChild(); });
+    }
+    void closeAllInChild()
+    {
+        for (const int descriptor : m_descriptors)
+            ::close(descriptor);
+        m_descriptors.clear();
+        m_mutex.unlock();
+    }
+
+    std::mutex m_mutex;
+    std::vector<int> m_descriptors;
+};
+
 } // namespace
 
 SharedFile::~SharedFile()
@@ -36,6 +80,7 @@ SharedFile::~SharedFile()
 SharedFile::SharedFile(SharedFile&& other) noexcept
     : m_descriptor(std::exchange(other.m_descriptor, -1))
     , m_process(other.m_process)
+    , m_isClaim(other.m_isClaim)
     , m_path(std::move(other.m_path))
 {
 }
@@ -44,6 +89,7 @@ SharedFile& SharedFile::operator=(SharedFile&& other) noexcept
 {
     std::swap(m_descriptor, other.m_descriptor);
     std::swap(m_process, other.m_process);
+    std::swap(m_isClaim, other.m_isClaim);
     std::swap(m_path, other.m_path);
     return *this;
 }
@@ -80,6 +126,9 @@ SharedFile::Opened SharedFile::create(const std::string& name)
 
 SharedFile::Opened SharedFile::claim(const std::string& name)
 {
+    close();
+    ClaimedDescriptors& claimed = ClaimedDescriptors::instance();
+    const std::lock_guard guard(claimed.mutex());
     // A holder removes the name before it lets go. Whoever got hold of the nameless rest starts
     // over; the bound is for a crowd in which that happens to the same one again and again.
     for (int attempt = 0; attempt < 64; ++attempt) {
@@ -93,9 +142,13 @@ SharedFile::Opened SharedFile::claim(const std::string& name)
         const bool locked = tryLock(LockType::Exclusive);
         if (!isNamed())
             continue;
-        if (!locked)
+        if (!locked) {
             close();
-        return locked ? Opened::Done : Opened::Absent;
+            return Opened::Absent;
+        }
+        m_isClaim = true;
+        claimed.add(m_descriptor);
+        return Opened::Done;
     }
     close();
     return Opened::Absent;
@@ -140,8 +193,14 @@ long long SharedFile::size() const
 
 void SharedFile::close()
 {
-    if (m_descriptor >= 0)
-        ::close(std::exchange(m_descriptor, -1));
+    const int descriptor = std::exchange(m_descriptor, -1);
+    const bool isClaim = std::exchange(m_isClaim, false);
+    if (descriptor < 0)
+        return;
+    if (!isClaim)
+        ::close(descriptor);
+    else if (!isForked())
+        ClaimedDescriptors::instance().close(descriptor);
 }
 
 bool SharedFile::isOurs() const

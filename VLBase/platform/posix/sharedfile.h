@@ -7,7 +7,8 @@ namespace vlbase::platform {
 /// An open shared-memory object of this user. Its lock belongs to the open file, so the system
 /// drops it when the process ends in whatever way, and two objects of one process conflict as
 /// two processes do. A child process that was only forked shares the open file: there the object
-/// takes no locks and removes no names.
+/// takes no locks and removes no names, and what was claimed is closed, so that the claim ends
+/// with the process that made it.
 class SharedFile
 {
 public:
@@ -53,6 +54,7 @@ private:
 
     int m_descriptor = -1;
     int m_process = 0; // that opened it
+    bool m_isClaim = false;
     std::string m_path;
 };
 
