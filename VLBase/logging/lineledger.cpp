@@ -99,9 +99,16 @@ LineLedger::Judgement LineLedger::judgeByNumber(std::int32_t number)
     return nearest < end ? acceptAt(nearest) : Judgement{Verdict::Repeated, 0};
 }
 
+std::uint64_t LineLedger::lostBefore(std::uint64_t end) const
+{
+    if (!m_next || end <= *m_next)
+        return 0;
+    return end - *m_next - (m_reserve ? m_reserve->leftOut(*m_next, end) : 0);
+}
+
 LineLedger::Judgement LineLedger::acceptAt(std::uint64_t position)
 {
-    const std::uint64_t lost = m_next ? position - *m_next : 0;
+    const std::uint64_t lost = lostBefore(position);
     m_next = position + 1;
     return {Verdict::Accept, lost};
 }
@@ -152,7 +159,7 @@ std::uint64_t LineLedger::lostUpTo(long nextIndex)
         if (m_next && end - *m_next > longestGap)
             return 0;
     }
-    const std::uint64_t lost = m_next && end > *m_next ? end - *m_next : 0;
+    const std::uint64_t lost = lostBefore(end);
     m_next = std::max(m_next.value_or(end), end);
     return lost;
 }

@@ -59,6 +59,7 @@ private:
     std::optional<Judgement> judgeSealed(std::string_view line, std::int32_t number);
     Judgement judgeByNumber(std::int32_t number);
     Judgement acceptAt(std::uint64_t position);
+    std::uint64_t lostBefore(std::uint64_t end) const;
     std::optional<std::uint64_t> sealedPosition(std::uint64_t slot, std::uint64_t lineHash) const;
     bool isFragment(std::string_view line) const;
     bool awaitsOther(std::uint64_t slot) const;

@@ -105,9 +105,11 @@ long CMMShared::SetIndex(long index)
     if (!IsOpen())
         return -1;
     LogAttachment& attachment = m_registration->attachment();
+    vlbase::logging::LogReserve* const reserve = attachment.reserve();
+    const std::uint64_t reached = reserve ? reserve->reached() : 0;
     attachment.image().setIndex(static_cast<std::int32_t>(index));
-    if (attachment.reserve())
-        attachment.reserve()->jumpTo(static_cast<std::int32_t>(index));
+    if (reserve)
+        reserve->jump(reached, static_cast<std::int32_t>(index));
     return index;
 }
 

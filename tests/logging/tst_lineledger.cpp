@@ -58,6 +58,12 @@ public:
         return text;
     }
     void hang() { m_reserve->noteHang(); }
+    void setIndex(int index)
+    {
+        const std::uint64_t reached = m_reserve->reached();
+        m_image.setIndex(index);
+        m_reserve->jump(reached, index);
+    }
     void lose(std::uint64_t count)
     {
         for (; count > 0; --count) {
@@ -96,6 +102,7 @@ private slots:
     void sealsOnly();
     void resume();
     void account();
+    void indexSet();
 };
 
 #define ACCEPTED(judgement, lost)                                                                  \
@@ -272,6 +279,23 @@ void tst_LineLedger::account()
         QCOMPARE(accepted.size() - injectedSeen + lost, log.consumed());
         QCOMPARE(std::set<std::string>(accepted.begin(), accepted.end()).size(), accepted.size());
         QVERIFY(lost > 100000 && accepted.size() > 100000);
+    }
+}
+
+void tst_LineLedger::indexSet()
+{
+    TestLog log(true);
+    LineLedger ledger(log.reserve());
+    ledger.startAtBeginning();
+    log.lose(10);
+    QCOMPARE(ledger.lostUpTo(log.index()), std::uint64_t(10));
+    for (const int index : {100005, 500000, 100000}) {
+        log.lose(2);
+        log.setIndex(index + 1);
+        log.setIndex(index);
+        QCOMPARE(ledger.judge(log.line()).lostBefore, std::uint64_t(2));
+        log.lose(3);
+        QCOMPARE(ledger.lostUpTo(log.index()), std::uint64_t(3));
     }
 }
 

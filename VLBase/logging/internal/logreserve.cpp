@@ -38,6 +38,8 @@ struct LogReserve::Header
     std::atomic<std::uint32_t> hasHung;
     alignas(64) std::atomic<std::uint64_t> nextPosition;
     alignas(64) LogStaging::Control staging;
+    std::atomic<std::uint64_t> jumpBegin; // what the last jump left out
+    std::atomic<std::uint64_t> jumpEnd;
 };
 
 std::size_t LogReserve::sizeFor(std::size_t stagingBytes)
@@ -96,11 +98,23 @@ std::optional<std::uint64_t> LogReserve::takePosition(std::int32_t counter)
     return position;
 }
 
-void LogReserve::jumpTo(std::int32_t counter)
+void LogReserve::jump(std::uint64_t reached, std::int32_t counter)
 {
     const std::optional<std::uint64_t> slot = slotOfCounter(counter);
-    if (slot)
-        m_header->nextPosition = positionFrom(m_header->nextPosition, *slot);
+    if (!slot)
+        return;
+    const std::uint64_t position = positionFrom(reached, *slot);
+    if (m_header->jumpEnd != reached) // otherwise one jump directly after another
+        m_header->jumpBegin = reached;
+    m_header->jumpEnd = position;
+    m_header->nextPosition = position;
+}
+
+std::uint64_t LogReserve::leftOut(std::uint64_t begin, std::uint64_t end) const
+{
+    const std::uint64_t first = std::max<std::uint64_t>(begin, m_header->jumpBegin);
+    const std::uint64_t last = std::min<std::uint64_t>(end, m_header->jumpEnd);
+    return last > first ? last - first : 0;
 }
 
 std::uint64_t LogReserve::reached() const

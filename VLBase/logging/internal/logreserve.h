@@ -44,8 +44,12 @@ public:
     /// of ours makes.
     std::optional<std::uint64_t> takePosition(std::int32_t counter);
 
-    /// The image's counter was set to \a counter: positions go on behind all that there were.
-    void jumpTo(std::int32_t counter);
+    /// The image's counter was set to \a counter when \a reached positions were given out:
+    /// they go on behind all that there were.
+    void jump(std::uint64_t reached, std::int32_t counter);
+
+    /// How many positions from \a begin to \a end the last jump left out: no line ever had them.
+    std::uint64_t leftOut(std::uint64_t begin, std::uint64_t end) const;
 
     /// Position of the next number.
     std::uint64_t reached() const;
