@@ -10,6 +10,8 @@
 #include <VLBase/platform/namedmutex.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 namespace vlbase::logging {
 
@@ -48,12 +50,31 @@ void readReserve(const LogImage& image, LogStatus& status)
 
 } // namespace
 
+namespace {
+
+// What keeps looking like a log in the making is a damaged one.
+NamedMapping::Opened openFinished(NamedMapping& mapping)
+{
+    using namespace std::chrono;
+    const auto end = steady_clock::now() + milliseconds(200);
+    for (;;) {
+        mapping.close();
+        const NamedMapping::Opened opened =
+            mapping.open(objectName(bufferObject), NamedMapping::Access::Glance);
+        if (opened != NamedMapping::Opened::Done ||
+            !LogImage::isUnfinished(mapping.data(), mapping.size()) || steady_clock::now() >= end)
+            return opened;
+        std::this_thread::sleep_for(milliseconds(1));
+    }
+}
+
+} // namespace
+
 LogStatus peekLog()
 {
     LogStatus status;
     NamedMapping mapping;
-    const NamedMapping::Opened opened =
-        mapping.open(objectName(bufferObject), NamedMapping::Access::Glance);
+    const NamedMapping::Opened opened = openFinished(mapping);
     if (opened == NamedMapping::Opened::Absent)
         return status;
     const char* const defect = opened == NamedMapping::Opened::Refused

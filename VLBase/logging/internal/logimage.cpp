@@ -76,6 +76,17 @@ const char* LogImage::defect(const void* base, std::size_t size)
     return nullptr;
 }
 
+// The signature is what comes last, from its front.
+bool LogImage::isUnfinished(const void* base, std::size_t size)
+{
+    const auto* const bytes = static_cast<const char*>(base);
+    if (size < headerSize)
+        return false;
+    const char* const end = bytes + sizeof signature - 1;
+    const char* const differs = std::mismatch(bytes, end, signature).first;
+    return differs != end && std::all_of(differs, end, [](char byte) { return byte == 0; });
+}
+
 LogImage LogImage::view(void* base, std::size_t size)
 {
     const std::int32_t bufferSize = readWord(base, bufferSizeAt);

@@ -35,6 +35,9 @@ public:
     /// What keeps \a size bytes at \a base from being a log; null when they are one.
     static const char* defect(const void* base, std::size_t size);
 
+    /// Whether \a size bytes at \a base can be a log that is just being made.
+    static bool isUnfinished(const void* base, std::size_t size);
+
     /// Views an existing log of \a size bytes, which has no defect. Should its buffer size have
     /// been changed since that was found, the view is of a log without room.
     static LogImage view(void* base, std::size_t size);
