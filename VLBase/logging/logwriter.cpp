@@ -76,7 +76,12 @@ void CLogWriter::SetModuleName(QString moduleName)
 
 void CLogWriter::rebuildNames()
 {
-    m_names = QStringLiteral("\t%1\t%2\t").arg(m_stationName, m_moduleName).toUtf8();
+    // A tab would shift the columns behind it.
+    QString station = m_stationName;
+    QString module = m_moduleName;
+    station.replace(u'\t', u' ');
+    module.replace(u'\t', u' ');
+    m_names = QStringLiteral("\t%1\t%2\t").arg(station, module).toUtf8();
 }
 
 void CLogWriter::SendError(QString a, QString b, QString c)

@@ -95,6 +95,17 @@ private slots:
         for (const qint64 answer : qAsConst(answers))
             QVERIFY(answer > 32);
         QCOMPARE(os().ShellExec(QStringLiteral("C:none")), qint64{2}); // no address
+
+        // A process without standard streams gets the answer on one of their numbers.
+        std::array<int, 3> aside{};
+        for (int stream = 0; stream < 3; ++stream) {
+            aside[static_cast<std::size_t>(stream)] = ::fcntl(stream, F_DUPFD_CLOEXEC, 3);
+            ::close(stream);
+        }
+        const qint64 answer = os().ShellExec(QStringLiteral("mailto:bad"));
+        for (int stream = 0; stream < 3; ++stream)
+            ::dup2(aside[static_cast<std::size_t>(stream)], stream);
+        QCOMPARE(answer, qint64{31});
         QDir::setCurrent(before);
     }
 

@@ -142,6 +142,9 @@ class FileSinkTest : public QObject
 private slots:
     void fullDisk();
     void cutsATornLineOff();
+    void leavesForeignFilesAlone();
+    void holdsItsFileAlone();
+    void forgetsWhatIsNoLongerKept();
     void rotatesWithoutLosingALine();
     void survivesAnEndBetweenTwoRenames();
     void growsOnWhenItCannotRotate();
@@ -179,16 +182,81 @@ void FileSinkTest::fullDisk()
 
 void FileSinkTest::cutsATornLineOff()
 {
+    const std::string lines = numberedLines(100000, 3);
     // Also across the blocks in which the end of the last line is looked for.
-    for (const std::size_t torn : {0u, 1u, 70000u, 140000u}) {
-        BadDisk disk;
-        disk.put("f", numberedLines(100000, 3) + std::string(torn, 'x'));
-        FileSink sink(disk, "f", {});
-        QVERIFY(sink.open());
-        QCOMPARE(sink.tornBytes(), static_cast<std::int64_t>(torn));
-        QVERIFY(sink.write(numbered(100003)));
-        QCOMPARE(disk.all("f"), numberedLines(100000, 4));
+    const std::string next = numbered(100003);
+    for (std::string torn : {next.substr(0, next.size() - 1), std::string("------\tx"),
+                             next.substr(0, 7) + std::string(140000, 'x')}) {
+        for (; torn.size() < 70 || torn.size() > 139000; torn.pop_back()) {
+            BadDisk disk;
+            disk.put("f", lines + torn);
+            FileSink sink(disk, "f", {});
+            QVERIFY(sink.open());
+            QCOMPARE(sink.tornBytes(), static_cast<std::int64_t>(torn.size()));
+            QVERIFY(sink.write(next));
+            QCOMPARE(disk.all("f"), lines + next);
+            if (torn.empty() || torn.size() > 139000)
+                break;
+        }
     }
+}
+
+// Whatever no owner wrote stays as it is, or is gone on behind when that is asked for.
+void FileSinkTest::leavesForeignFilesAlone()
+{
+    const std::string line = numbered(100000);
+    for (const std::string& foreign :
+         {std::string("note"), std::string("a\nb\n"), std::string("1234567"), std::string("100000"),
+          std::string(3, '\0'), line + "note", line + "12345x", "note\n" + line.substr(0, 9),
+          std::string(100000, 'x') + '\n'}) {
+        BadDisk disk;
+        disk.put("f", foreign);
+        FileSink careful(disk, "f", {});
+        QVERIFY(!careful.open() && careful.isForeign() && !careful.errorText().isEmpty());
+        QCOMPARE(disk.all("f"), foreign);
+        FileSink bold(disk, "f", {}, FileSink::Foreign::AppendedTo);
+        QVERIFY(bold.open() && bold.write(line));
+        QCOMPARE(disk.all("f"), foreign + (foreign.back() == '\n' ? "" : "\n") + line);
+    }
+    // Programs of other makers send lines without a number.
+    for (const std::string& own : {line, line + "other\n", "other\n" + line, std::string()}) {
+        BadDisk disk;
+        disk.put("f", own);
+        FileSink sink(disk, "f", {});
+        QVERIFY(sink.open() && sink.tornBytes() == 0);
+    }
+}
+
+// One owner a file, whatever name it goes by; none on what is no file.
+void FileSinkTest::holdsItsFileAlone()
+{
+    const QTemporaryDir directory;
+    const std::string name = directory.filePath(QStringLiteral("log")).toStdString();
+    const auto store = makeNativeFileStore();
+    auto first = store->open(name);
+    QVERIFY(first);
+    QVERIFY(!store->open(name) && store->errorText().contains(u"another owner"));
+    first.reset();
+    QVERIFY(store->open(name));
+    QVERIFY(!store->open(directory.path().toStdString()));
+#ifndef Q_OS_WIN
+    QVERIFY(!store->open("/dev/null") && store->errorText().contains(u"no regular file"));
+#endif
+}
+
+// A lower number of older files holds for those that are there; only logs are removed.
+void FileSinkTest::forgetsWhatIsNoLongerKept()
+{
+    BadDisk disk;
+    for (const char* name : {"f", "f.1", "f.2", "f.3", "f.4"})
+        disk.put(name, numberedLines(100000, 3));
+    disk.put("f.5", "note");
+    FileSink sink(disk, "f", {40, 1});
+    QVERIFY(sink.open() && sink.write(numbered(100003)));
+    std::string names;
+    for (const auto& file : disk.files)
+        names += file.first + ' ';
+    QCOMPARE(names, "f f.1 f.5 ");
 }
 
 void FileSinkTest::rotatesWithoutLosingALine()

@@ -23,6 +23,7 @@
 #ifdef Q_OS_LINUX
 #include <csignal>
 #include <sys/resource.h>
+#include <unistd.h>
 #endif
 
 namespace {
@@ -373,11 +374,16 @@ void LogVerbsTest::tooLongLines()
     Verb& one = start("send event", {QString(9000, u'x')});
     QCOMPARE(one.finish(), 1);
     QVERIFY(one.errors().contains("longer than this log can hold"));
-    QVERIFY(
-        sendLines("short\n" + QByteArray(100'000, 'y') + "\nafter\n").contains("line 2 is longer"));
+    // Each of the last ones takes three bytes in the log.
+    const QByteArray told =
+        sendLines("short\n" + QByteArray(100'000, 'y') + "\nafter\n" + QByteArray(5000, '\xFF') +
+                  '\n' + QByteArray(5000, '\0') + "\nlast\n");
+    for (const char* cut : {"line 2 is longer", "line 4 is longer", "line 5 is longer"})
+        QVERIFY2(told.contains(cut), told.constData());
     QCOMPARE(owner.finish(), 0);
     const QByteArrayList written = texts(content(file()));
-    QCOMPARE(written.size(), 3);
+    QCOMPARE(written.size(), 6);
+    QCOMPARE(written[5], "last");
     QVERIFY(written[1].size() > 7000 && written[1].count('y') == written[1].size());
 }
 
@@ -408,35 +414,75 @@ void LogVerbsTest::statuses()
                              {"send warn x", 2, "unknown level 'warn'"},
                              {"tail --level evnt", 2, "Did you mean 'event'?"},
                              {"own --rotate 12Q", 2, "'12Q'"},
+                             {"own --rotate 5", 2, "not at least 1 KiB"},
+                             {"own --reserve 2G", 2, "from 2 MiB to 1 GiB"},
                              {"own --buffer-size 1", 2, "4 KiB"},
                              {"tail --grep", 2, "--grep needs a value"},
                              {"tail --json=x", 2, "--json takes no value"},
                              {"send event a b c d", 2, "at most two fields"},
                              {badFile, 1, "cannot open"}})
         check(call);
-    Verb& owner = startOwner("--no-data-blocks");
+    QFile note(file());
+    QVERIFY(note.open(QIODevice::WriteOnly));
+    note.write("milk, bread");
+    note.close();
+    Verb& careful = start("own --file", {file()});
+    QCOMPARE(careful.finish(), 2);
+    QVERIFY(careful.errors().contains("--append-to-any"));
+    QCOMPARE(content(file()), "milk, bread");
+
+    Verb& owner = startOwner("--no-data-blocks --append-to-any");
     check({"own", 4, "has an owner already"});
     check({"status --json", 0, ""});
     check({"send data T x", 1, "takes no data blocks"});
+    QCOMPARE(start("send event x --module", {QStringLiteral("a\tb")}).finish(), 0);
     QCOMPARE(owner.finish(), 0);
+    QVERIFY(content(file()).startsWith("milk, bread\n------\t"));
+    QVERIFY(content(file()).contains("\ta b\tEvent\tx\t"));
 }
 
 void LogVerbsTest::signalsEndOwnerAndViewer()
 {
 #ifdef Q_OS_LINUX
-    for (const int signal : {SIGTERM, SIGINT}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         Verb& owner = start("own --file", {file()});
         QVERIFY(owner.says("writing to "));
         Verb& viewer = start("tail");
         QVERIFY(viewer.says("showing the log"));
         QCOMPARE(start("send event last").finish(), 0);
         for (Verb* verb : {&viewer, &owner}) {
-            QCOMPARE(kill(static_cast<pid_t>(verb->process().processId()), signal), 0);
+            // A terminal that closes tells it several times.
+            const int times = signal == SIGINT ? 1 : 50;
+            for (int i = 0; i < times; ++i)
+                QCOMPARE(kill(static_cast<pid_t>(verb->process().processId()), signal), 0);
             QCOMPARE(verb->finish(), 0);
         }
         QVERIFY(viewer.output().contains("  last\n"));
         QVERIFY(content(file()).endsWith("\tlast\t\t\n"));
     }
+
+    // As nohup and the background of a script start it, and without any standard stream.
+    m_verbs.push_back(std::make_unique<Verb>(
+        m_instance, QStringList{QStringLiteral("own"), QStringLiteral("--file"), file()}));
+    Verb& detached = *m_verbs.back();
+    detached.process().setChildProcessModifier([] {
+        for (const int ignored : {SIGINT, SIGHUP})
+            signal(ignored, SIG_IGN);
+        for (const int stream : {0, 1, 2})
+            close(stream);
+    });
+    detached.start();
+    QVERIFY(QTest::qWaitFor([this] { return start("status").finish() == 0; }, limitMs));
+    const auto processId = static_cast<pid_t>(detached.process().processId());
+    for (const int ignored : {SIGINT, SIGHUP})
+        kill(processId, ignored);
+    QCOMPARE(start("send event still").finish(), 0);
+    // Its ticks of work so far: not those of a loop that reads its own messages.
+    const QByteArray stat = content(QStringLiteral("/proc/%1/stat").arg(processId));
+    QVERIFY(stat.mid(stat.lastIndexOf(')')).split(' ')[12].toInt() < 30);
+    kill(processId, SIGTERM);
+    QCOMPARE(detached.finish(), 0);
+    QVERIFY(content(file()).endsWith("\tstill\t\t\n"));
 #else
     QSKIP("no signals");
 #endif

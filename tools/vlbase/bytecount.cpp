@@ -61,7 +61,8 @@ QString byteCountText(std::int64_t bytes)
     static constexpr std::array<QStringView, 3> names = {u"KiB", u"MiB", u"GiB"};
     double value = static_cast<double>(bytes) / 1024;
     std::size_t unit = 0;
-    while (value >= 1024 && unit + 1 < names.size()) {
+    // What rounds to 1024 is one of the next unit.
+    while (value >= 1023.95 && unit + 1 < names.size()) {
         value /= 1024;
         ++unit;
     }

@@ -8,6 +8,9 @@
 namespace vlbase::tool {
 namespace {
 
+// A limit beyond it is there for the sake of the arithmetic and says nothing to people.
+constexpr std::int64_t mostToldBytes = std::int64_t{1} << 40;
+
 QStringList optionNames(const Command& command)
 {
     QStringList names = {QStringLiteral("--help")};
@@ -108,8 +111,13 @@ std::int64_t CommandLine::bytes(const QString& option, std::int64_t fallback, st
         return fallback;
     }
     if (*number < least || *number > most) {
-        addFault(QStringLiteral("--%1: '%2' is not from %3 to %4")
-                     .arg(option, value(option), byteCountText(least), byteCountText(most)));
+        QString range =
+            QStringLiteral("from %1 to %2").arg(byteCountText(least), byteCountText(most));
+        if (most > mostToldBytes)
+            range = QStringLiteral("at least %1").arg(byteCountText(least));
+        else if (most == least)
+            range = byteCountText(least);
+        addFault(QStringLiteral("--%1: '%2' is not %3").arg(option, value(option), range));
         return fallback;
     }
     return *number;

@@ -196,7 +196,8 @@ int convertFile(const QString& path, const Task& task, const CommandLine& line)
 {
     LineSource source;
     if (!source.open(path)) {
-        line.tell(QStringLiteral("cannot read %1: %2").arg(path, source.fault()));
+        line.tell(QStringLiteral("cannot read %1: %2")
+                      .arg(path == u"-" ? QStringLiteral("standard input") : path, source.fault()));
         return Failure;
     }
     return FileConversion(task, line).run(source);

@@ -47,6 +47,8 @@ bool LineSource::fill()
             ? platform::readInput(free, room)
             : static_cast<std::ptrdiff_t>(m_file.read(free, static_cast<qint64>(room)));
     m_hasFailed = read < 0;
+    if (m_hasFailed && m_isStandardInput)
+        m_inputFault = qt_error_string();
     m_isAtEnd = read <= 0;
     if (read > 0)
         m_end += static_cast<std::size_t>(read);

@@ -28,7 +28,7 @@ public:
     std::optional<Line> next();
 
     bool hasFailed() const { return m_hasFailed; }
-    QString fault() const { return m_file.errorString(); }
+    QString fault() const { return m_isStandardInput ? m_inputFault : m_file.errorString(); }
 
     /// Bytes of all, 0 when unknown, and of what was returned so far.
     qint64 size() const { return m_size; }
@@ -40,6 +40,7 @@ private:
 
     QFile m_file;
     bool m_isStandardInput = false;
+    QString m_inputFault;
     bool m_isAtEnd = false;
     bool m_hasFailed = false;
     bool m_skipsToEnd = false; // of a line that was cut

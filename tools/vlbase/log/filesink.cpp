@@ -7,10 +7,11 @@
 
 namespace vlbase::tool::log {
 
-FileSink::FileSink(FileStore& store, std::string name, Rotation rotation)
+FileSink::FileSink(FileStore& store, std::string name, Rotation rotation, Foreign foreign)
     : m_store(store)
     , m_name(std::move(name))
     , m_rotation(rotation)
+    , m_foreign(foreign)
 {
 }
 
@@ -22,16 +23,40 @@ bool FileSink::open()
         return false;
     }
     m_size = std::max<std::int64_t>(m_file->size(), 0);
-    const std::int64_t whole = endOfLastWholeLine(*m_file);
-    if (whole < m_size) {
-        if (!m_file->cutTo(whole)) {
-            m_errorText = m_store.errorText();
-            return false;
-        }
-        m_tornBytes = m_size - whole;
-        m_size = whole;
+    m_isForeign = m_foreign == Foreign::Refused && !isLogToGoOn(*m_file);
+    if (m_isForeign) {
+        m_errorText = QStringLiteral("it does not end as a log does");
+        m_file.reset();
+        return false;
+    }
+    if (!(m_foreign == Foreign::Refused ? cutTornLine() : endLastLine())) {
+        m_errorText = m_store.errorText();
+        m_file.reset();
+        return false;
     }
     m_errorText.clear();
+    return true;
+}
+
+bool FileSink::cutTornLine()
+{
+    const std::int64_t whole = endOfLastWholeLine(*m_file);
+    if (whole == m_size)
+        return true;
+    if (!m_file->cutTo(whole))
+        return false;
+    m_tornBytes = m_size - whole;
+    m_size = whole;
+    return true;
+}
+
+bool FileSink::endLastLine()
+{
+    if (endOfLastWholeLine(*m_file) == m_size)
+        return true;
+    if (m_file->append("\n", 1) != 1)
+        return false;
+    ++m_size;
     return true;
 }
 
@@ -101,6 +126,17 @@ void FileSink::rotate()
     }
     m_rotationErrorText.clear();
     m_file.reset();
+    removeForgottenFiles();
+}
+
+/// Of a time when more were kept.
+void FileSink::removeForgottenFiles()
+{
+    for (int number = m_rotation.keep + 1; m_store.exists(olderName(number)); ++number) {
+        const auto file = m_store.open(olderName(number));
+        if (!file || !isLogToGoOn(*file) || !m_store.remove(olderName(number)))
+            return;
+    }
 }
 
 bool FileSink::shiftOlderFiles()

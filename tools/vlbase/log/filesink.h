@@ -28,11 +28,21 @@ struct Rotation
 class FileSink
 {
 public:
-    FileSink(FileStore& store, std::string name, Rotation rotation);
+    /// What becomes of a file that no owner wrote.
+    enum class Foreign {
+        Refused,
+        AppendedTo, ///< nothing is cut off, a last line without an end gets one
+    };
 
-    /// Opens the file, cutting off a last line that has no end.
+    FileSink(FileStore& store, std::string name, Rotation rotation,
+             Foreign foreign = Foreign::Refused);
+
+    /// Opens the file, cutting off a last line of a log that has no end.
     /// \return false with `errorText` when it cannot be opened.
     bool open();
+
+    /// Whether it is not opened because no owner wrote it.
+    bool isForeign() const { return m_isForeign; }
 
     /// What `open` cut off, in bytes.
     std::int64_t tornBytes() const { return m_tornBytes; }
@@ -60,6 +70,9 @@ public:
     const QString& rotationErrorText() const { return m_rotationErrorText; }
 
 private:
+    bool cutTornLine();
+    bool endLastLine();
+    void removeForgottenFiles();
     std::size_t roomForWholeLines() const;
     bool isAtLineStart() const { return m_written == 0 || m_text[m_written - 1] == '\n'; }
     void rotate();
@@ -69,6 +82,8 @@ private:
     FileStore& m_store;
     std::string m_name;
     Rotation m_rotation;
+    Foreign m_foreign;
+    bool m_isForeign = false;
     std::unique_ptr<GrowingFile> m_file;
     std::int64_t m_size = 0;
     std::int64_t m_tornBytes = 0;

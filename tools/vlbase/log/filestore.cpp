@@ -12,6 +12,8 @@ public:
     {
         return m_file.open(name, platform::NativeFile::Mode::Append);
     }
+    bool isRegular() const { return m_file.isRegular(); }
+    bool lock() { return m_file.lock(); }
     std::int64_t size() const override { return m_file.size(); }
     std::int64_t readAt(std::int64_t offset, char* data, std::size_t size) const override
     {
@@ -37,7 +39,14 @@ public:
     std::unique_ptr<GrowingFile> open(const std::string& name) override
     {
         auto file = std::make_unique<NativeGrowingFile>();
+        m_refusal.clear();
         if (!file->open(name))
+            return nullptr;
+        if (!file->isRegular())
+            m_refusal = QStringLiteral("it is no regular file");
+        else if (!file->lock())
+            m_refusal = QStringLiteral("another owner writes to it");
+        if (!m_refusal.isEmpty())
             return nullptr;
         return file;
     }
@@ -47,7 +56,10 @@ public:
         return platform::renameFile(from, to);
     }
     bool remove(const std::string& name) override { return platform::removeFile(name); }
-    QString errorText() override { return qt_error_string(); }
+    QString errorText() override { return m_refusal.isEmpty() ? qt_error_string() : m_refusal; }
+
+private:
+    QString m_refusal; // of the last file to be opened, by ourselves
 };
 
 } // namespace

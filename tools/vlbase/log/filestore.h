@@ -33,7 +33,8 @@ class FileStore
 public:
     virtual ~FileStore() = default;
 
-    /// Opens for appending and makes the file when there is none; null on failure.
+    /// Opens for appending and makes the file when there is none; null on failure, for what is no
+    /// regular file, and for a file that another owner has open.
     virtual std::unique_ptr<GrowingFile> open(const std::string& name) = 0;
     virtual bool exists(const std::string& name) = 0;
     /// Replaces a file of the new name.

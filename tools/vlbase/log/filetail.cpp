@@ -16,10 +16,10 @@ constexpr std::int64_t blockBytes = 64 * 1024;
 constexpr std::int64_t searchBytes = 64 * 1024 * 1024;
 constexpr std::size_t mostLinesAfter = 10000;
 
-template <typename File> std::int64_t findLastLineEnd(const File& file)
+/// Where the last line ends that ends before `end`.
+template <typename File> std::int64_t findLineEnd(const File& file, std::int64_t end)
 {
     std::string block(static_cast<std::size_t>(blockBytes), '\0');
-    std::int64_t end = std::max<std::int64_t>(file.size(), 0);
     while (end > 0) {
         const std::int64_t size = std::min(blockBytes, end);
         const std::int64_t got =
@@ -33,6 +33,33 @@ template <typename File> std::int64_t findLastLineEnd(const File& file)
         end -= size;
     }
     return 0;
+}
+
+template <typename File> std::int64_t findLastLineEnd(const File& file)
+{
+    return findLineEnd(file, std::max<std::int64_t>(file.size(), 0));
+}
+
+constexpr std::string_view noticeBegin = "------\t";
+
+std::string headAt(const GrowingFile& file, std::int64_t place)
+{
+    std::string head(noticeBegin.size(), '\0');
+    const std::int64_t got = file.readAt(place, head.data(), head.size());
+    head.resize(static_cast<std::size_t>(std::max<std::int64_t>(got, 0)));
+    return head;
+}
+
+bool beginsAsLine(std::string_view head)
+{
+    return head == noticeBegin || lineIndex(head) != 0;
+}
+
+bool isCutInBegin(std::string_view head)
+{
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    return head.size() < noticeBegin.size() && (noticeBegin.substr(0, head.size()) == head ||
+                                                std::all_of(head.begin(), head.end(), isDigit));
 }
 
 /// Gives the file's whole lines and where they begin, from the last to the first, until
@@ -74,6 +101,20 @@ std::int64_t endOfLastWholeLine(const GrowingFile& file)
 std::int64_t endOfLastWholeLine(const platform::NativeFile& file)
 {
     return findLastLineEnd(file);
+}
+
+bool isLogToGoOn(const GrowingFile& file)
+{
+    const std::int64_t size = file.size();
+    const std::int64_t whole = findLastLineEnd(file);
+    if (size <= 0)
+        return size == 0;
+    const std::string rest = headAt(file, whole);
+    if (whole == 0)
+        return beginsAsLine(rest);
+    const bool hasLines =
+        beginsAsLine(headAt(file, 0)) || beginsAsLine(headAt(file, findLineEnd(file, whole - 1)));
+    return hasLines && (whole == size || beginsAsLine(rest) || isCutInBegin(rest));
 }
 
 std::optional<std::int64_t> endOfLinesUpTo(int index, const platform::NativeFile& file)

@@ -15,6 +15,10 @@ namespace vlbase::tool::log {
 std::int64_t endOfLastWholeLine(const GrowingFile& file);
 std::int64_t endOfLastWholeLine(const platform::NativeFile& file);
 
+/// Whether an owner wrote the file, so that the next one may go on behind it: its first line or its
+/// last whole one begins as a line of a log does, and so does what may follow without an end.
+bool isLogToGoOn(const GrowingFile& file);
+
 /// Where the lines begin that follow the one of this number; that line itself may be missing.
 /// Nothing when all lines of the file follow it, as far as it is searched.
 std::optional<std::int64_t> endOfLinesUpTo(int index, const platform::NativeFile& file);

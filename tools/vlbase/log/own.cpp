@@ -32,7 +32,7 @@ using logging::LogOwner;
 constexpr int defaultBufferBytes = 1024 * 1024;
 constexpr int leastBufferBytes = 4096;
 constexpr int mostBufferBytes = 512 * 1024 * 1024;
-constexpr int mostReserveBytes = std::numeric_limits<int>::max() / 2;
+constexpr int mostReserveBytes = 2 * mostBufferBytes;
 constexpr int leastRotateBytes = 1024;
 constexpr int mostKept = 9999;
 constexpr qsizetype longestFileName = 511;
@@ -43,6 +43,7 @@ struct Settings
     int bufferBytes = defaultBufferBytes;
     int reserveBytes = LogOwner::defaultReserveBytes;
     Rotation rotation;
+    FileSink::Foreign foreign = FileSink::Foreign::Refused;
     bool acceptsDataBlocks = true;
     bool endsWithInput = false;
 };
@@ -79,6 +80,8 @@ Settings readSettings(CommandLine& line)
     settings.rotation.keep = static_cast<int>(line.count(QStringLiteral("keep"), 5, 0, mostKept));
     if (line.isSet(QStringLiteral("keep")) && settings.rotation.bytes == 0)
         line.addFault(QStringLiteral("--keep goes with --rotate BYTES"));
+    if (line.isSet(QStringLiteral("append-to-any")))
+        settings.foreign = FileSink::Foreign::AppendedTo;
     settings.acceptsDataBlocks = !line.isSet(QStringLiteral("no-data-blocks"));
     settings.endsWithInput = line.isSet(QStringLiteral("end-with-input"));
     if (!line.positional().isEmpty())
@@ -145,19 +148,30 @@ void tellStart(const CommandLine& line, const LogOwner& owner, const Settings& s
     line.tell(text);
 }
 
+/// That it cannot be made shows when the file is opened.
+void makeFolder(const CommandLine& line, const Settings& settings)
+{
+    const QDir folder = QFileInfo(settings.file).absoluteDir();
+    if (!folder.exists() && QDir().mkpath(folder.path()))
+        line.tell(
+            QStringLiteral("made the folder %1").arg(QDir::toNativeSeparators(folder.path())));
+}
+
 int serve(CommandLine& line, LogOwner& owner, const Settings& settings,
           const platform::StopSignal& stop)
 {
     const auto store = makeNativeFileStore();
     const std::string file = settings.file.toStdString();
-    QDir().mkpath(QFileInfo(settings.file).absolutePath());
+    makeFolder(line, settings);
     const std::string station = QHostInfo::localHostName().toStdString();
     LineIntake intake(resumedLedger(owner, *store, file), station);
-    FileSink sink(*store, file, settings.rotation);
+    FileSink sink(*store, file, settings.rotation, settings.foreign);
     if (!sink.open()) {
-        line.tell(QStringLiteral("cannot open %1: %2")
-                      .arg(QDir::toNativeSeparators(settings.file), sink.errorText()));
-        return Failure;
+        line.tell(QStringLiteral("cannot open %1: %2%3")
+                      .arg(QDir::toNativeSeparators(settings.file), sink.errorText(),
+                           sink.isForeign() ? QStringLiteral("; --append-to-any goes on behind it")
+                                            : QString()));
+        return sink.isForeign() ? WrongUse : Failure;
     }
     if (sink.tornBytes() > 0)
         line.tell(QStringLiteral("the file ended in a line without end; its %1 were cut off")
@@ -240,16 +254,21 @@ Command ownCommand()
         {QStringLiteral("file"), QStringLiteral("F"),
          QStringLiteral("Writes to F, after what is in it. Default: VLBase/vlbase.log in the "
                         "user's data folder; the full name is told at the start.")},
+        {QStringLiteral("append-to-any"),
+         {},
+         QStringLiteral("Goes on behind whatever the file holds, and cuts nothing off. Otherwise a "
+                        "file that does not end as a log does is refused.")},
         {QStringLiteral("rotate"), QStringLiteral("BYTES"),
          QStringLiteral("Goes on with an empty file before F grows past BYTES; F becomes F.1, "
                         "F.1 becomes F.2. Default: F grows.")},
         {QStringLiteral("keep"), QStringLiteral("N"),
-         QStringLiteral("With --rotate, keeps N older files; 0 to 9999. Default: 5.")},
+         QStringLiteral("With --rotate, keeps N older files, and removes those of a time "
+                        "when more were kept; 0 to 9999. Default: 5.")},
         {QStringLiteral("buffer-size"), QStringLiteral("BYTES"),
          QStringLiteral("Size of each half of the shared buffer, from 4K to 512M. Default: 1M.")},
         {QStringLiteral("reserve"), QStringLiteral("BYTES"),
          QStringLiteral("Memory for lines that the disk does not take yet, at least twice the "
-                        "buffer. Default: 32M.")},
+                        "buffer and at most 1G. Default: 32M.")},
         {QStringLiteral("no-data-blocks"),
          {},
          QStringLiteral("Asks programs not to send data blocks.")},

@@ -136,28 +136,54 @@ private:
     std::uint64_t m_sent = 0;
 };
 
+constexpr QStringView blockType = u"Text"; // of a line that is sent as data
+
+std::size_t typeBytes(Level level)
+{
+    return level == Level::Data ? static_cast<std::size_t>(blockType.size()) : 0;
+}
+
 SureWriter::Fields fieldsOf(Level level, const QString& text)
 {
     if (level == Level::Data)
-        return {QStringLiteral("Text"), text, QString()};
+        return {blockType.toString(), text, QString()};
     return {text, QString(), QString()};
+}
+
+/// Cuts the text to so many bytes in the log, at a character's begin: a byte that is no UTF-8 takes
+/// three there.
+/// \return how many bytes of the log's were cut off.
+std::size_t cutToFit(QString& text, std::size_t longest)
+{
+    const QByteArray written = SureWriter::asWritten(text).toUtf8();
+    const auto size = static_cast<std::size_t>(written.size());
+    if (size <= longest)
+        return 0;
+    auto end = static_cast<qsizetype>(longest);
+    while (end > 0 && (static_cast<unsigned char>(written[end]) & 0xC0) == 0x80)
+        --end;
+    text = QString::fromUtf8(written.constData(), end);
+    return size - static_cast<std::size_t>(end);
 }
 
 int sendInput(const CommandLine& line, Sender& sender, Level level)
 {
     int status = Success;
     std::uint64_t number = 0;
-    LineSplitter splitter(sender.longestText(), [&](std::string_view text, std::size_t cut) {
+    const std::size_t room = sender.longestText();
+    const std::size_t longest = room - std::min(room, typeBytes(level));
+    LineSplitter splitter(longest, [&](std::string_view bytes, std::size_t cut) {
         ++number;
         if (status != Success)
             return;
+        QString text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+        cut += cutToFit(text, longest);
         if (cut > 0)
             line.tell(QStringLiteral("line %1 is longer than this log can hold; its last %2 are "
                                      "cut off")
                           .arg(number)
                           .arg(byteCountText(static_cast<std::int64_t>(cut))));
-        status = sender.send(
-            fieldsOf(level, QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))));
+        status = sender.send(fieldsOf(level, text));
     });
     std::array<char, 64 * 1024> block;
     while (status == Success) {

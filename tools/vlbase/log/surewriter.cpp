@@ -54,13 +54,18 @@ std::size_t SureWriter::halfSize()
     return m_halfSize;
 }
 
-SureWriter::Result SureWriter::send(Level level, const Fields& fields)
+QString SureWriter::asWritten(QString text)
 {
     // A zero would end the line for everybody who reads it.
+    return text.replace(QChar(u'\0'), QChar(0x2400));
+}
+
+SureWriter::Result SureWriter::send(Level level, const Fields& fields)
+{
     Fields texts = fields;
     std::size_t size = headerBytes + utf8Size(GetStationName()) + utf8Size(GetModuleName());
     for (QString& text : texts) {
-        text.replace(QChar(u'\0'), QChar(0x2400));
+        text = asWritten(text);
         size += utf8Size(text);
     }
     if (!IsOpen() && !Open())

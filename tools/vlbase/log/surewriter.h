@@ -31,6 +31,9 @@ public:
     /// nor a buffer that runs over can take it away in between. Never waits for room.
     Result send(Level level, const Fields& fields);
 
+    /// A text as the log takes it.
+    static QString asWritten(QString text);
+
     /// Bytes that the fields of a line, joined, can have in this log.
     std::size_t longestText();
 

@@ -50,6 +50,12 @@ public:
     bool cutTo(std::int64_t size);
     FileIdentity identity() const;
 
+    /// False for devices, pipes and folders.
+    bool isRegular() const;
+    /// Keeps out whoever asks for the same, until the file is closed. Does not wait.
+    /// \return false when somebody has it; true also where the file system knows no locks.
+    bool lock();
+
 private:
     std::intptr_t m_handle = -1; // the descriptor or the HANDLE
 };

@@ -9,7 +9,8 @@ namespace vlbase::tool::platform {
 ///
 /// Where the system ends the program as soon as it was told (a closing Windows console), the
 /// wish is held up until this object is destroyed, so that the last lines are saved.
-/// A second Ctrl-C ends the program at once.
+/// A second Ctrl-C ends the program at once; other wishes may come as often as they like, since a
+/// terminal that closes sends several. One that the program was started to ignore stays ignored.
 class StopSignal
 {
 public:

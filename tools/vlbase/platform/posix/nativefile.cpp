@@ -43,7 +43,8 @@ bool NativeFile::open(const std::string& name, Mode mode)
 {
     close();
     // Not blocking: a name that turns out to be a pipe must not hang the program.
-    const int flags = mode == Mode::Read ? O_RDONLY | O_NONBLOCK : O_RDWR | O_APPEND | O_CREAT;
+    const int flags =
+        mode == Mode::Read ? O_RDONLY | O_NONBLOCK : O_RDWR | O_APPEND | O_CREAT | O_NONBLOCK;
     m_handle = ::open(name.c_str(), flags | O_CLOEXEC, 0644);
     return isOpen();
 }
@@ -87,6 +88,21 @@ FileIdentity NativeFile::identity() const
 {
     struct stat status = {};
     return fstat(descriptorOf(m_handle), &status) == 0 ? identityFrom(status) : FileIdentity();
+}
+
+bool NativeFile::isRegular() const
+{
+    struct stat status = {};
+    return fstat(descriptorOf(m_handle), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool NativeFile::lock()
+{
+    struct flock whole = {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    return fcntl(descriptorOf(m_handle), F_OFD_SETLK, &whole) == 0 ||
+           (errno != EAGAIN && errno != EACCES);
 }
 
 FileIdentity identityOf(const std::string& name)

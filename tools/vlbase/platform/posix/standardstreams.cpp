@@ -7,6 +7,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <initializer_list>
 #include <langinfo.h>
 #include <poll.h>
 #include <unistd.h>
@@ -33,10 +35,22 @@ bool becomesWritable(int descriptor)
     return poll(&ready, 1, 100) >= 0 || errno == EINTR;
 }
 
+/// A closed stream's number would go to the next file that is opened, which then gets the
+/// program's messages. What is put there can neither be read nor written, so whoever tries is told.
+void occupyStandardDescriptors()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest free number is taken, and those below are in use by now.
+        if (fcntl(descriptor, F_GETFD) == -1)
+            open("/", O_PATH | O_DIRECTORY);
+    }
+}
+
 } // namespace
 
 void prepareStandardStreams()
 {
+    occupyStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     // Qt would switch to this locale by itself, but with a warning on each start.

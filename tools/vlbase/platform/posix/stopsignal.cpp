@@ -1,10 +1,10 @@
 #include "tools/vlbase/platform/stopsignal.h"
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <initializer_list>
 #include <poll.h>
 #include <unistd.h>
 
@@ -17,6 +17,19 @@ int wakeUpReader = -1;
 
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
               "a signal handler uses them");
+
+struct Wish
+{
+    int signal;
+    int flags;               // of our handler
+    struct sigaction before; // what stood there
+    bool isOurs;             // false: it came ignored
+};
+
+// Not restarted: a write that waits for a stopped terminal has to come back.
+std::array<Wish, 3> wishes = {{{SIGINT, static_cast<int>(SA_RESETHAND), {}, false},
+                               {SIGTERM, 0, {}, false},
+                               {SIGHUP, 0, {}, false}}};
 
 void onSignal(int)
 {
@@ -35,19 +48,24 @@ StopSignal::StopSignal()
         wakeUpReader = ends[0];
         wakeUp = ends[1];
     }
-    // Not restarted: a write that waits for a stopped terminal has to come back. Reset: the
-    // second signal of a kind ends the program.
-    struct sigaction action = {};
-    action.sa_handler = onSignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
-        sigaction(number, &action, nullptr);
+    for (Wish& wish : wishes) {
+        sigaction(wish.signal, nullptr, &wish.before);
+        wish.isOurs = wish.before.sa_handler != SIG_IGN;
+        if (!wish.isOurs)
+            continue;
+        struct sigaction action = {};
+        action.sa_handler = onSignal;
+        action.sa_flags = wish.flags;
+        sigaction(wish.signal, &action, nullptr);
+    }
 }
 
 StopSignal::~StopSignal()
 {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
-        std::signal(number, SIG_DFL);
+    for (const Wish& wish : wishes) {
+        if (wish.isOurs)
+            sigaction(wish.signal, &wish.before, nullptr);
+    }
 }
 
 bool StopSignal::requested()

@@ -129,6 +129,20 @@ FileIdentity NativeFile::identity() const
     return identityFrom(handleOf(m_handle));
 }
 
+bool NativeFile::isRegular() const
+{
+    return GetFileType(handleOf(m_handle)) == FILE_TYPE_DISK;
+}
+
+bool NativeFile::lock()
+{
+    // Far behind any text, because nobody else can read or write what is locked here.
+    OVERLAPPED place = placeAt(std::int64_t{1} << 62);
+    return LockFileEx(handleOf(m_handle), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1,
+                      0, &place) != 0 ||
+           (GetLastError() != ERROR_LOCK_VIOLATION && GetLastError() != ERROR_IO_PENDING);
+}
+
 FileIdentity identityOf(const std::string& name)
 {
     const HANDLE file = CreateFileW(wide(name).c_str(), FILE_READ_ATTRIBUTES, shareAll, nullptr,

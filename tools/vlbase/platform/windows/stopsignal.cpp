@@ -36,8 +36,9 @@ BOOL WINAPI onConsoleEvent(DWORD event)
     StopSignal::request();
     switch (event) {
     case CTRL_C_EVENT:
-    case CTRL_BREAK_EVENT:
         return again ? FALSE : TRUE;
+    case CTRL_BREAK_EVENT:
+        return TRUE;
     default:
         // The process ends when this returns; the system waits about five seconds for it.
         WaitForSingleObject(finishedEvent(), 5000);
