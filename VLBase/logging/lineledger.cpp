@@ -14,6 +14,11 @@ namespace {
 constexpr std::uint64_t longestGap = 800000;
 } // namespace
 
+LineLedger::LineLedger()
+    : LineLedger(nullptr)
+{
+}
+
 LineLedger::LineLedger(const LogReserve* reserve)
     : m_reserve(reserve)
 {

@@ -34,8 +34,11 @@ public:
         std::uint64_t lostBefore = 0; ///< lines lost between the previous line and this one
     };
 
+    /// Knows the numbers alone; `LogOwner::makeLedger` gives one that knows the seals too.
+    LineLedger();
+
     /// \param reserve outlives the ledger; null when there is none
-    explicit LineLedger(const LogReserve* reserve = nullptr);
+    explicit LineLedger(const LogReserve* reserve);
 
     /// The next line is the first of a log that was just created.
     void startAtBeginning();

@@ -1,5 +1,6 @@
 #include "logowner.h"
 
+#include <VLBase/logging/internal/drainpace.h>
 #include <VLBase/logging/internal/logregistration.h>
 
 #include <algorithm>
@@ -22,8 +23,10 @@ int stagingSize(int bufferSize, int reserveBytes)
 
 } // namespace
 
+namespace {
+
 /// Stands in for the shared staging ring where there is none.
-class LogOwner::PrivateStaging
+class PrivateStaging
 {
 public:
     explicit PrivateStaging(std::size_t bytes)
@@ -38,6 +41,21 @@ private:
     LogStaging::Control m_control;
     std::vector<char> m_bytes;
     LogStaging m_staging;
+};
+
+} // namespace
+
+struct LogOwner::State
+{
+    explicit State(int bufferSize)
+        : pace(bufferSize)
+    {
+    }
+
+    std::unique_ptr<PrivateStaging> privateStaging;
+    LogStaging* staging = nullptr;
+    int inflow = 0; // most bytes of a drain lately
+    DrainPace pace;
 };
 
 LogOwner::LogOwner(int bufferSize, int reserveBytes)
@@ -75,6 +93,7 @@ void LogOwner::useStaging()
 {
     if (!IsOpen())
         return;
+    m_state = std::make_unique<State>(bufferSize());
     LogAttachment& attachment = registration()->attachment();
     const auto least = 2 * static_cast<std::size_t>(bufferSize());
     LogStaging* const shared = attachment.sharedStaging();
@@ -83,11 +102,11 @@ void LogOwner::useStaging()
         shared->discardIfDamaged();
         shared->finishMove(attachment.image());
         attachment.unlock();
-        m_staging = shared;
+        m_state->staging = shared;
         return;
     }
-    m_privateStaging = std::make_unique<PrivateStaging>(least);
-    m_staging = &m_privateStaging->staging();
+    m_state->privateStaging = std::make_unique<PrivateStaging>(least);
+    m_state->staging = &m_state->privateStaging->staging();
 }
 
 int LogOwner::bufferSize() const
@@ -102,9 +121,10 @@ bool LogOwner::trimViewersHalf(int inflow)
     LogImage& image = registration()->attachment().image();
     const int size = image.bufferSize();
     const int most = size / 4 * 3;
-    m_inflow = std::max(inflow, m_inflow - m_inflow / 16);
+    m_state->inflow = std::max(inflow, m_state->inflow - m_state->inflow / 16);
     const bool isRead = image.users(Role::Reader) > 0;
-    const int room = isRead ? std::clamp(2 * std::min(m_inflow, most), size / 4, most) : most;
+    const int room =
+        isRead ? std::clamp(2 * std::min(m_state->inflow, most), size / 4, most) : most;
     if (image.fill(0) <= size - room)
         return false;
     image.keepNewest(0, (size - room) / 2);
@@ -113,9 +133,16 @@ bool LogOwner::trimViewersHalf(int inflow)
 
 LogOwner::Drained LogOwner::drain()
 {
-    Drained drained;
     if (!IsOpen())
-        return drained;
+        return {};
+    Drained drained = drainOnce();
+    drained.rest = m_state->pace.restAfter(drained);
+    return drained;
+}
+
+LogOwner::Drained LogOwner::drainOnce()
+{
+    Drained drained;
     LogAttachment& attachment = registration()->attachment();
     LogImage& image = attachment.image();
     if (image.fill(1) == 0 && image.fill(0) <= image.bufferSize() / 4 * 3)
@@ -124,10 +151,10 @@ LogOwner::Drained LogOwner::drain()
     drained.timedOut = attachment.lock() == platform::LockResult::TimedOut;
     drained.fillBefore = image.fill(1);
     if (drained.fillBefore > 0) {
-        bool taken = m_staging->take(image);
-        if (!taken && m_staging->pending().empty()) { // not full, so spoilt by somebody
-            m_staging->discardIfDamaged();
-            taken = m_staging->take(image);
+        bool taken = m_state->staging->take(image);
+        if (!taken && m_state->staging->pending().empty()) { // not full, so spoilt by somebody
+            m_state->staging->discardIfDamaged();
+            taken = m_state->staging->take(image);
         }
         drained.stagingFull = !taken;
         drained.bytes = drained.stagingFull ? 0 : drained.fillBefore;
@@ -139,23 +166,23 @@ LogOwner::Drained LogOwner::drain()
 
 std::string_view LogOwner::pending() const
 {
-    return m_staging ? m_staging->pending() : std::string_view();
+    return m_state ? m_state->staging->pending() : std::string_view();
 }
 
 void LogOwner::markWritten(std::size_t bytes)
 {
-    if (m_staging)
-        m_staging->markWritten(bytes);
+    if (m_state)
+        m_state->staging->markWritten(bytes);
 }
 
 std::size_t LogOwner::stagedBytes() const
 {
-    return m_staging ? m_staging->bytes() : 0;
+    return m_state ? m_state->staging->bytes() : 0;
 }
 
 std::size_t LogOwner::stagingCapacity() const
 {
-    return m_staging ? m_staging->size() : 0;
+    return m_state ? m_state->staging->size() : 0;
 }
 
 LineLedger LogOwner::makeLedger() const

@@ -4,6 +4,7 @@
 #include <VLBase/logging/mmshared.h>
 #include <VLBase/vlbase_export.h>
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -11,10 +12,21 @@
 
 namespace vlbase::logging {
 
-class LogStaging;
-
 /// The owner's side of the shared log: moves lines out of the log, so that none is ever only in
 /// the owner's own memory.
+///
+///     LogOwner owner(1024 * 1024);
+///     LineLedger ledger = owner.makeLedger();
+///     while (isWanted) {
+///         const auto drained = owner.drain();
+///         for (auto lines = owner.pending(); !lines.empty(); lines = owner.pending()) {
+///             const std::size_t size = lines.size();
+///             while (!lines.empty())
+///                 write(takeLine(lines), ledger); // what LineLedger::judge accepts
+///             owner.markWritten(size);
+///         }
+///         std::this_thread::sleep_for(drained.rest);
+///     }
 ///
 /// `drain` copies the owner's half into a staging area that outlives a killed owner; the
 /// program writes `pending` to its file and then says so with `markWritten`. The lock is held for
@@ -62,6 +74,8 @@ public:
         bool timedOut = false;    ///< the lock's holder hung: both halves were emptied
         bool stagingFull = false; ///< the lines were left where they are
         bool trimmed = false;     ///< the viewers' half lost its older lines
+        /// How long the owner may rest until the next drain; 0: that one is due at once.
+        std::chrono::microseconds rest{0};
     };
 
     /// Moves all lines of the owner's half into the staging area, in one piece; nothing when
@@ -88,14 +102,13 @@ public:
     std::optional<long> nextIndexIfIdle();
 
 private:
-    class PrivateStaging;
+    struct State;
 
     void useStaging();
+    Drained drainOnce();
     bool trimViewersHalf(int inflow);
 
-    std::unique_ptr<PrivateStaging> m_privateStaging;
-    LogStaging* m_staging = nullptr;
-    int m_inflow = 0; // most bytes of a drain lately
+    std::unique_ptr<State> m_state; // null while it has never been open
 };
 
 } // namespace vlbase::logging

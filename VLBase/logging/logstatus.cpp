@@ -4,7 +4,6 @@
 #include <VLBase/logging/internal/logimage.h>
 #include <VLBase/logging/internal/logobjects.h>
 #include <VLBase/logging/internal/logreserve.h>
-#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/platform/namedclaim.h>
 #include <VLBase/platform/namedmapping.h>
 #include <VLBase/platform/namedmutex.h>
@@ -90,7 +89,7 @@ LogStatus peekLog()
     readImage(image, status);
     readReserve(image, status);
     status.ownerAlive = platform::NamedClaim::isTaken(objectName(ownerObject));
-    status.viewerAlive = LogViewerClaim::isTaken();
+    status.viewerAlive = platform::NamedClaim::isTaken(objectName(viewerObject));
     status.lockHeld = platform::NamedMutex::isHeld(objectName(mutexObject));
     return status;
 }

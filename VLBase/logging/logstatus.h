@@ -7,7 +7,7 @@
 
 namespace vlbase::logging {
 
-/// What the shared log looks like from outside.
+/// What the shared log looks like from outside, at a glance.
 struct LogStatus
 {
     enum class Presence {
@@ -36,6 +36,13 @@ struct LogStatus
     std::uint64_t reserveBytes = 0;  ///< its room for lines
     std::uint64_t stagedBytes = 0;   ///< lines drained and not yet known to be in the file
     std::uint64_t linesNumbered = 0; ///< numbers used up since the log was made
+
+    /// Whether its lines reach a file: an owner is alive, be it one of a foreign program, which
+    /// has no claim that could tell its death.
+    bool hasOwner() const
+    {
+        return presence == Presence::Present && owners > 0 && (ownerAlive || !hasReserve);
+    }
 };
 
 /// Looks at the log without joining it: takes no lock, creates and changes nothing. The values

@@ -1,6 +1,6 @@
 #include "pingthread.h"
 
-#include "internal/ping.h"
+#include "internal/echorequest.h"
 
 #include <VLBase/os/velaos.h>
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <VLBase/vlbase_export.h>
-
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -64,6 +62,6 @@ struct EchoAnswer
 ///
 /// Where this user may not send requests the status is NoResources. On Linux this takes either
 /// a group within net.ipv4.ping_group_range or CAP_NET_RAW.
-VLBASE_EXPORT EchoAnswer sendEcho(const EchoRequest& request);
+EchoAnswer sendEcho(const EchoRequest& request);
 
 } // namespace vlbase::platform

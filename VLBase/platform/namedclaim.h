@@ -1,7 +1,5 @@
 #pragma once
 
-#include <VLBase/vlbase_export.h>
-
 #include <memory>
 #include <string>
 
@@ -9,7 +7,7 @@ namespace vlbase::platform {
 
 /// "Somebody alive has this role": held by one object of one process of a user at a time, and
 /// free again when that object or its process is gone. Not bound to a thread.
-class VLBASE_EXPORT NamedClaim
+class NamedClaim
 {
 public:
     NamedClaim();

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <VLBase/vlbase_export.h>
-
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -12,7 +10,7 @@ namespace vlbase::platform {
 ///
 /// It begins filled with zeros and ends with the last process that has it open, a killed one
 /// too. Opening, creating and closing are serialised by the callers (`OpeningLock`).
-class VLBASE_EXPORT NamedMapping
+class NamedMapping
 {
 public:
     enum class Opened {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <VLBase/platform/nativemutex.h>
-#include <VLBase/vlbase_export.h>
 
 #include <atomic>
 #include <chrono>
@@ -14,7 +13,7 @@ namespace vlbase::platform {
 ///
 /// A holder that is killed, or whose thread ends, does not lock the others out. Opening, creating
 /// and destroying are serialised by the callers (`OpeningLock`); locking is for any thread.
-class VLBASE_EXPORT NamedMutex
+class NamedMutex
 {
 public:
     NamedMutex();

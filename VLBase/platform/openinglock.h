@@ -1,7 +1,5 @@
 #pragma once
 
-#include <VLBase/vlbase_export.h>
-
 #include <chrono>
 #include <memory>
 #include <string>
@@ -10,7 +8,7 @@ namespace vlbase::platform {
 
 /// Serialises the opening and closing of shared objects between the processes and threads of
 /// one user. Not recursive.
-class VLBASE_EXPORT OpeningLock
+class OpeningLock
 {
 public:
     /// Waits for its turn, at most \a timeout.

@@ -1,11 +1,11 @@
 #include "sharedlog.h"
 
-#include <VLBase/logging/internal/drainpace.h>
-#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/livelogreader.h>
 #include <VLBase/logging/loginstance.h>
+#include <VLBase/logging/logline.h>
 #include <VLBase/logging/logowner.h>
 #include <VLBase/logging/logwriter.h>
+#include <VLBase/logging/viewerclaim.h>
 
 #include <QLatin1String>
 #include <QString>
@@ -117,7 +117,6 @@ public:
     explicit OwnerReceiver(int halfBytes)
         : m_owner(halfBytes)
         , m_ledger(m_owner.makeLedger())
-        , m_pace(m_owner.bufferSize())
     {
         if (m_owner.openResult() != LogOwner::OpenResult::Created)
             throw std::runtime_error("the log could not be created");
@@ -130,9 +129,8 @@ public:
         while (tally.received() + m_lost < m_due) {
             const LogOwner::Drained drained = m_owner.drain();
             write(tally);
-            const auto pause = m_pace.restAfter(drained);
-            if (pause > 0us)
-                rest(pause);
+            if (drained.rest > 0us)
+                rest(drained.rest);
         }
     }
 
@@ -142,16 +140,15 @@ private:
     void write(Tally& tally)
     {
         for (auto lines = m_owner.pending(); !lines.empty(); lines = m_owner.pending()) {
-            for (std::size_t start = 0; start < lines.size();) {
-                const std::size_t end = lines.find('\0', start);
-                const std::string_view line = lines.substr(start, end - start);
+            const std::size_t size = lines.size();
+            while (!lines.empty()) {
+                const std::string_view line = vlbase::logging::takeLine(lines);
                 const LineLedger::Judgement judgement = m_ledger.judge(line);
                 m_lost += judgement.lostBefore;
                 if (judgement.verdict == LineLedger::Verdict::Accept)
                     tally.take(line);
-                start = end + 1;
             }
-            m_owner.markWritten(lines.size());
+            m_owner.markWritten(size);
         }
     }
 
@@ -164,7 +161,6 @@ private:
 
     LogOwner m_owner;
     LineLedger m_ledger;
-    vlbase::logging::DrainPace m_pace;
     std::uint64_t m_due = 0;
     std::uint64_t m_lost = 0;
 };
@@ -205,7 +201,7 @@ public:
         Process sweeper([this](const Parent&) {
             joinLog(m_name);
             const LogOwner owner(m_halfBytes);
-            vlbase::logging::LogViewerClaim().take();
+            vlbase::logging::ViewerClaim().take();
         });
         sweeper.awaitEnd();
     }
@@ -238,7 +234,7 @@ public:
 
 private:
     CLiveLogReader m_reader;
-    vlbase::logging::LogViewerClaim m_claim;
+    vlbase::logging::ViewerClaim m_claim;
     std::string m_lines;
 };
 

@@ -3,8 +3,8 @@
 
 #include "../series.h"
 
+#include <VLBase/os/ping.h>
 #include <VLBase/os/velaos.h>
-#include <VLBase/platform/echo.h>
 
 #include <chrono>
 #include <cstdio>
@@ -44,12 +44,11 @@ double paced(const std::function<double()>& ping)
 
 double roundTrip()
 {
-    vlbase::platform::EchoRequest request;
-    request.address = "127.0.0.1";
-    request.size = bytes;
-    request.limit = std::chrono::seconds(1);
-    const auto answer = vlbase::platform::sendEcho(request);
-    return answer.replies == 1 ? Microseconds(answer.roundTrip).count() : 0;
+    const auto answer =
+        vlbase::ping(QHostAddress(QHostAddress::LocalHost), bytes, std::chrono::seconds(1));
+    return answer.outcome == vlbase::PingAnswer::Outcome::Reply
+               ? Microseconds(answer.roundTrip).count()
+               : 0;
 }
 
 double wholeCall()

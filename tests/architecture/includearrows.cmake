@@ -1,5 +1,7 @@
-# Fails when a folder of the library includes one that it must not know, or when code outside
-# the platform folder includes a header of an operating system or asks which one it is.
+# Fails when a folder of the library includes one that it must not know, when code outside the
+# platform folder includes a header of an operating system or asks which one it is, and when the
+# inside shows: a header that is not installed lies in internal/ or platform/, no installed one
+# and no program includes it.
 
 cmake_policy(SET CMP0057 NEW)
 
@@ -42,11 +44,50 @@ foreach(source IN LISTS sources)
     endforeach()
 endforeach()
 
+# The includes of files that may know installed headers only.
+set(inside "include[ \t]+[<\"](VLBase/platform/|[^>\"]*internal/)")
+function(refuse file pattern what)
+    file(STRINGS "${file}" lines REGEX "^[ \t]*#[ \t]*include")
+    foreach(line IN LISTS lines)
+        if(line MATCHES "${pattern}")
+            set(faults "${faults};${file}: includes ${what}: ${line}" PARENT_SCOPE)
+        endif()
+    endforeach()
+endfunction()
+
+file(STRINGS "${INSTALLED}" installed)
+foreach(header IN LISTS installed)
+    refuse("${header}" "${inside}" "the inside")
+endforeach()
+foreach(source IN LISTS sources)
+    set(file "${SOURCE_DIR}/VLBase/${source}")
+    if(source MATCHES "\\.h$" AND NOT source MATCHES "^platform/|/internal/" AND
+       NOT file IN_LIST installed)
+        list(APPEND faults "${source}: is not installed and lies beside what is")
+    elseif(source MATCHES "^platform/|/internal/" AND file IN_LIST installed)
+        list(APPEND faults "${source}: is installed")
+    endif()
+endforeach()
+
+# Tests and fuzzers that look inside are linked with the objects: the library has no symbol for
+# them.
+foreach(folder tools examples benchmarks fuzz)
+    file(GLOB_RECURSE programs "${SOURCE_DIR}/${folder}/*.h" "${SOURCE_DIR}/${folder}/*.cpp")
+    foreach(program IN LISTS programs)
+        if(folder STREQUAL "fuzz")
+            refuse("${program}" "include[ \t]+[<\"]tools/" "a program")
+        else()
+            refuse("${program}" "${inside}" "the inside")
+        endif()
+    endforeach()
+endforeach()
+
 list(LENGTH sources count)
 if(count EQUAL 0)
     message(FATAL_ERROR "no sources found below ${SOURCE_DIR}/VLBase")
 endif()
 if(faults)
+    list(REMOVE_ITEM faults "")
     list(JOIN faults "\n  " text)
     message(FATAL_ERROR "\n  ${text}")
 endif()

@@ -3,10 +3,10 @@
 #include "processcontrol.h"
 #include "tests/support/program.h"
 
-#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
 #include <VLBase/logging/logwriter.h>
+#include <VLBase/logging/viewerclaim.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -58,7 +58,7 @@ Conductor::~Conductor()
     // Whoever was killed left memory behind, which goes with the last one that opens it.
     setLogInstance(m_instance);
     const vlbase::logging::LogOwner sweeper(4096);
-    vlbase::logging::LogViewerClaim().take();
+    vlbase::logging::ViewerClaim().take();
 }
 
 Verdict Conductor::run()

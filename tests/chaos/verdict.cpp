@@ -3,13 +3,16 @@
 #include "tally.h"
 #include "writerrole.h"
 
+#include <VLBase/logging/ownernotice.h>
+
 #include <QFile>
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <vector>
 
 namespace {
+
+using namespace vlbase::logging;
 
 constexpr quint64 period = 900000;
 
@@ -33,19 +36,16 @@ public:
     {
     }
 
-    void read(const QByteArray& line)
+    void read(const QByteArray& text)
     {
-        static const QRegularExpression lost(QStringLiteral("\\b(\\d+) lines? lost\\b"));
-        const QString text = QString::fromUtf8(line);
-        const QStringList fields = text.split(QLatin1Char('\t'));
-        bool isIndex = false;
-        const int index = fields.first().toInt(&isIndex);
-        if (isIndex && fields.first().size() == 6)
-            readLine(index, fields, text);
-        else if (const auto match = lost.match(text); match.hasMatch())
-            m_lostHere += match.captured(1).toULongLong();
-        else if (!text.contains(QLatin1String("\tlog begins\t")))
-            fault(QStringLiteral("not a line: ") + text.left(200));
+        parseLogLine({text.constData(), static_cast<std::size_t>(text.size())}, m_line);
+        const auto notice = parseNotice(m_line);
+        if (m_line.index != 0)
+            readLine(text);
+        else if (!notice)
+            fault("not a line", text);
+        else
+            m_lostHere += notice->count;
     }
 
     void finish()
@@ -67,43 +67,47 @@ public:
     }
 
 private:
-    void readLine(int index, const QStringList& fields, const QString& text)
+    void readLine(const QByteArray& text)
     {
         // The owner's own count of what is missing must lead to just this index.
         m_position += m_lostHere;
-        if (indexAt(m_position) != index)
-            fault(
-                QStringLiteral("index %1 where %2 was due: ").arg(index).arg(indexAt(m_position)) +
-                text.left(80));
+        if (indexAt(m_position) != m_line.index)
+            fault("another index was due", text);
         ++m_position;
         m_verdict.countedLost += m_lostHere;
         m_lostHere = 0;
         ++m_verdict.filed;
 
-        const int slot = fields.value(6).toInt();
-        const quint64 sequence = fields.value(7).toULongLong();
-        if (fields.size() != 9 || slot >= m_tally.slotCount() ||
-            fields.at(8) != roles::payload(slot, sequence)) {
-            fault(QStringLiteral("torn: ") + text.left(400));
+        const auto field = [this](std::size_t i) {
+            const std::string_view bytes = m_line.fields[i];
+            return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+        };
+        const bool isWhole = m_line.fields.size() == 3;
+        const int slot = isWhole ? field(0).toInt() : 0;
+        const quint64 sequence = isWhole ? field(1).toULongLong() : 0;
+        if (!isWhole || slot >= m_tally.slotCount() || field(2) != roles::payload(slot, sequence)) {
+            fault("torn", text);
             return;
         }
         auto& seen = m_seen[static_cast<std::size_t>(slot)];
         if (sequence >= seen.size())
             seen.resize(sequence + 1);
         if (seen[sequence])
-            fault(QStringLiteral("twice: ") + text.left(80));
+            fault("twice", text);
         seen[sequence] = true;
     }
 
-    void fault(const QString& what)
+    void fault(const char* what, const QByteArray& text)
     {
         if (m_verdict.faults.size() < 10)
-            m_verdict.faults << what;
+            m_verdict.faults << QStringLiteral("%1: %2").arg(QLatin1String(what),
+                                                             QString::fromUtf8(text.left(400)));
     }
 
     Verdict& m_verdict;
     std::vector<std::vector<bool>> m_seen; // by slot and sequence
     Tally& m_tally;
+    LogLine m_line;
     quint64 m_position = 0; // how many lines the log has given an index to so far
     quint64 m_lostHere = 0;
 };

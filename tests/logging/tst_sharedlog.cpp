@@ -1,10 +1,10 @@
 #include "testlog.h"
 
-#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/livelogreader.h>
 #include <VLBase/logging/logowner.h>
 #include <VLBase/logging/logstatus.h>
 #include <VLBase/logging/logwriter.h>
+#include <VLBase/logging/viewerclaim.h>
 #include <VLBase/platform/namedmapping.h>
 #include <VLBase/platform/namedmutex.h>
 
@@ -20,8 +20,8 @@
 
 using vlbase::logging::LogOwner;
 using vlbase::logging::LogStatus;
-using vlbase::logging::LogViewerClaim;
 using vlbase::logging::peekLog;
+using vlbase::logging::ViewerClaim;
 using vlbase::platform::NamedMapping;
 using vlbase::platform::NamedMutex;
 
@@ -314,8 +314,8 @@ void tst_SharedLog::glance()
     writer.SendEvent(QStringLiteral("1"), QString(), QString());
     owner.drain();
     writer.SendEvent(QStringLiteral("2"), QString(), QString());
-    LogViewerClaim claim;
-    LogViewerClaim second;
+    ViewerClaim claim;
+    ViewerClaim second;
     QVERIFY(!peekLog().viewerAlive && claim.take() && claim.take() && !second.take());
     const LogStatus status = peekLog();
     QCOMPARE(status.presence, LogStatus::Presence::Present);
@@ -328,8 +328,8 @@ void tst_SharedLog::glance()
     QCOMPARE(status.nextIndex, 100002);
     QVERIFY(status.ownerAlive && status.viewerAlive && !status.lockHeld);
     QVERIFY(status.acceptsDataBlocks && status.hasReserve);
-    claim.release();
-    QVERIFY(!LogViewerClaim::isTaken() && second.take());
+    claim = ViewerClaim();
+    QVERIFY(!peekLog().viewerAlive && second.take());
 }
 
 QTEST_GUILESS_MAIN(tst_SharedLog)

@@ -1,6 +1,6 @@
 // Pings of this machine and its network adapters, beside what Qt tells about them.
 
-#include <VLBase/os/internal/ping.h>
+#include <VLBase/os/internal/echorequest.h>
 #include <VLBase/os/velaos.h>
 
 #include <QNetworkInterface>

@@ -1,5 +1,5 @@
 # Installs the build, builds the examples against it as a project of their own, runs the first
-# one, and compiles it once more by what pkg-config says.
+# one and an owner of the log, and compiles the first one once more by what pkg-config says.
 
 function(run)
     execute_process(COMMAND ${ARGV} RESULT_VARIABLE status OUTPUT_VARIABLE output
@@ -36,6 +36,8 @@ endif()
 # The program writes into the temporary directory, which is to be its own.
 set(ENV{TMPDIR} "${WORK_DIR}")
 run(${EMULATOR} "${WORK_DIR}/examples/bin/first${suffix}")
+string(RANDOM instance)
+run(${EMULATOR} "${WORK_DIR}/examples/bin/levelcounter${suffix}" 0 "package-${instance}")
 
 find_program(PKG_CONFIG pkg-config)
 if(PKG_CONFIG AND NOT EMULATOR)

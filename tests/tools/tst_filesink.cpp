@@ -4,7 +4,8 @@
 #include "tools/vlbase/log/filefollower.h"
 #include "tools/vlbase/log/filesink.h"
 #include "tools/vlbase/log/filetail.h"
-#include "tools/vlbase/log/ownnotice.h"
+
+#include <VLBase/logging/ownernotice.h>
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -17,6 +18,7 @@
 #include <string>
 #include <utility>
 
+using namespace vlbase::logging;
 using namespace vlbase::tool::log;
 
 namespace {
@@ -330,8 +332,8 @@ void FileSinkTest::growsOnWhenItCannotRotate()
 
 void FileSinkTest::findsWhereAnOwnerStopped()
 {
-    OwnNotice begins;
-    begins.kind = OwnNotice::Kind::LogBegins;
+    OwnerNotice begins;
+    begins.kind = OwnerNotice::Kind::LogBegins;
     begins.first = 100000;
     const std::string lost = noticeLine(noticeOfLost(3, 100009), "s");
     const std::string lines = numberedLines(100004, 3);

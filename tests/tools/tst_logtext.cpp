@@ -1,18 +1,20 @@
 // What becomes of the text of a line: cleaning, taking apart, counting, showing, splitting.
 
-#include "tools/vlbase/log/gapwatch.h"
 #include "tools/vlbase/log/linefilter.h"
 #include "tools/vlbase/log/linerenderer.h"
 #include "tools/vlbase/log/linesplitter.h"
-#include "tools/vlbase/log/linetext.h"
-#include "tools/vlbase/log/logline.h"
-#include "tools/vlbase/log/ownnotice.h"
+
+#include <VLBase/logging/gapwatch.h>
+#include <VLBase/logging/linetext.h>
+#include <VLBase/logging/logline.h>
+#include <VLBase/logging/ownernotice.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
 
+using namespace vlbase::logging;
 using namespace vlbase::tool::log;
 
 class LogTextTest : public QObject
@@ -148,7 +150,7 @@ void LogTextTest::noticesComeBack()
 {
     for (const int last : {100002, 100000, 999998, 500000}) {
         for (const std::uint64_t count : {1, 2, 3, 899999, 900000, 900001}) {
-            const OwnNotice lost = noticeOfLost(count, last);
+            const OwnerNotice lost = noticeOfLost(count, last);
             std::string text = noticeLine(lost, "station");
             QCOMPARE(text.back(), '\n');
             text.pop_back();
@@ -157,7 +159,7 @@ void LogTextTest::noticesComeBack()
             QCOMPARE(line.level, std::string_view("Warning"));
             QCOMPARE(lineIndex(text), 0);
             const auto read = parseNotice(line);
-            QVERIFY(read && read->kind == OwnNotice::Kind::LinesLost);
+            QVERIFY(read && read->kind == OwnerNotice::Kind::LinesLost);
             QCOMPARE(read->count, count);
             QCOMPARE(read->last, last);
         }
@@ -194,8 +196,8 @@ void LogTextTest::gapsAreSeenOnce()
     QCOMPARE(lostBefore(numbered(100508)), QString());
     QCOMPARE(lostBefore(numbered(100508)), QString());
     QCOMPARE(lostBefore("as it is"), QString());
-    OwnNotice begins;
-    begins.kind = OwnNotice::Kind::LogBegins;
+    OwnerNotice begins;
+    begins.kind = OwnerNotice::Kind::LogBegins;
     begins.first = 100000;
     QCOMPARE(lostBefore(noticeLine(begins, "s")), QString());
     QCOMPARE(lostBefore(numbered(100003)), QString());
@@ -233,7 +235,7 @@ void LogTextTest::filtering()
             filter.setModules({QStringLiteral("x"), QString::fromUtf8(each.module)});
         filter.setText(QString::fromUtf8(each.text));
         if (each.onlyErrors)
-            filter.setLevels({Level::Error});
+            filter.setLevels({LogLevel::Error});
         LogLine parsed;
         const bool hasHeader = parseLogLine(each.line, parsed);
         QVERIFY2(filter.passes(each.line, hasHeader ? &parsed : nullptr) == each.passes,

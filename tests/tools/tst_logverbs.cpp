@@ -2,9 +2,9 @@
 
 #include "tests/support/program.h"
 
-#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
+#include <VLBase/logging/viewerclaim.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -167,7 +167,7 @@ void LogVerbsTest::cleanup()
     m_verbs.clear();
     QVERIFY(setLogInstance(m_instance));
     const vlbase::logging::LogOwner sweeper(4096);
-    vlbase::logging::LogViewerClaim().take();
+    vlbase::logging::ViewerClaim().take();
 }
 
 Verb& LogVerbsTest::start(const char* words, const QStringList& more)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <VLBase/logging/logowner.h>
-#include <VLBase/vlbase_export.h>
 
 #include <chrono>
 
@@ -12,7 +11,7 @@ namespace vlbase::logging {
 ///
 /// Each rest costs a change of threads, so a busy log is not looked at for every line; but
 /// writers that wait for room fill three quarters within a millisecond and then stand still.
-class VLBASE_EXPORT DrainPace
+class DrainPace
 {
 public:
     /// \a bufferSize is that of the owner's half, in bytes.

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <VLBase/vlbase_export.h>
-
 #include <cstdint>
 #include <string_view>
 
 namespace vlbase::logging {
 
 /// Tells lines apart; not made to withstand somebody who looks for equal hashes.
-VLBASE_EXPORT std::uint64_t lineHash(std::string_view line);
+std::uint64_t lineHash(std::string_view line);
 
 } // namespace vlbase::logging

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <VLBase/vlbase_export.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -10,7 +8,7 @@ namespace vlbase::logging {
 
 /// The date, time and zone fields of a line, made anew only when the second has changed. Never
 /// allocates; small enough to be one per thread.
-class VLBASE_EXPORT LineTime
+class LineTime
 {
 public:
     /// Makes the text of the present second.

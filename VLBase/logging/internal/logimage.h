@@ -1,7 +1,5 @@
 #pragma once
 
-#include <VLBase/vlbase_export.h>
-
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +16,7 @@ enum class Role { Owner = 0, Writer = 1, Reader = 2 };
 /// change is checked at each use, so that no content leads outside. Changes are for the holder
 /// of the log's mutex; the words of the header are atomic all the same, because others may go on
 /// without it after a time-out.
-class VLBASE_EXPORT LogImage
+class LogImage
 {
 public:
     static constexpr std::size_t headerSize = 1080;

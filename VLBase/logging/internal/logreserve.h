@@ -2,7 +2,6 @@
 
 #include <VLBase/logging/internal/logimage.h>
 #include <VLBase/logging/internal/logstaging.h>
-#include <VLBase/vlbase_export.h>
 
 #include <array>
 #include <atomic>
@@ -16,7 +15,7 @@ namespace vlbase::logging {
 /// Memory of our own beside the shared log, which programs of other makers neither know nor
 /// need: the seals of the lines, and the staging ring of the owner. Without it the log works
 /// by its contract, only lost and torn lines are then recognised by their numbers alone.
-class VLBASE_EXPORT LogReserve
+class LogReserve
 {
 public:
     /// A line's position among all lines ever, and 32 bits of its hash.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <VLBase/logging/internal/logimage.h>
-#include <VLBase/vlbase_export.h>
 
 #include <atomic>
 #include <cstddef>
@@ -16,7 +15,7 @@ namespace vlbase::logging {
 /// Ends are counted in bytes since ever; a byte's place is its count modulo the ring's size. A
 /// drain is never split: when it does not fit before the ring's end, the rest of the round is
 /// skipped. One thread takes, another may read and mark. A ring of no bytes takes nothing.
-class VLBASE_EXPORT LogStaging
+class LogStaging
 {
 public:
     /// What two owners, one after the other, need to know.

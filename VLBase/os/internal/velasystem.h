@@ -1,14 +1,13 @@
 #pragma once
 
 #include <VLBase/os/velaos.h>
-#include <VLBase/vlbase_export.h>
 
 #include <optional>
 #include <string>
 
 /// Everything that the service asks the operating system, through the platform folder. What a
 /// system needs beyond that for its whole life is in its own class: VelaWindows, VelaLinux.
-class VLBASE_EXPORT VelaSystem : public VelaOS
+class VelaSystem : public VelaOS
 {
 public:
     /// Makes the calling thread the application thread.

@@ -1,8 +1,9 @@
 // The network adapters, and whether another host answers.
 
-#include "ping.h"
+#include "echorequest.h"
 #include "velasystem.h"
 
+#include <VLBase/os/ping.h>
 #include <VLBase/platform/lasterror.h>
 #include <VLBase/platform/networkadapters.h>
 
@@ -41,8 +42,9 @@ Icmp_Echo_Result VelaSystem::Ping(int requestSize, int timeoutMs, const char* ho
 {
     platform::EchoAnswer answer{platform::EchoStatus::InvalidAddress};
     if (const auto address = vlbase::firstAddress(QString::fromUtf8(host)))
-        answer = vlbase::ping(*address, static_cast<std::uint16_t>(requestSize),
-                              std::chrono::milliseconds(timeoutMs), &vlbase::PingInterest::isOver);
+        answer =
+            vlbase::sendEcho(*address, static_cast<std::uint16_t>(requestSize),
+                             std::chrono::milliseconds(timeoutMs), &vlbase::PingInterest::isOver);
     else
         platform::setLastError(platform::Fault::NotFound);
 

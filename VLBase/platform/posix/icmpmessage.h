@@ -1,7 +1,6 @@
 #pragma once
 
 #include <VLBase/platform/echo.h>
-#include <VLBase/vlbase_export.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +11,7 @@ namespace vlbase::platform {
 
 /// One echo request as it goes over the wire, which knows its answers when it sees them. No
 /// system is asked for anything.
-class VLBASE_EXPORT IcmpMessage
+class IcmpMessage
 {
 public:
     /// An answer: the reply, or the reason why there will be none.

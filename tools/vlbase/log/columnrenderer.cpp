@@ -1,5 +1,6 @@
 #include "linerenderer.h"
-#include "linetext.h"
+
+#include <VLBase/logging/linetext.h>
 
 #include <QDateTime>
 
@@ -22,21 +23,21 @@ constexpr std::string_view lostCode = "\x1b[1;7;33m";
 
 std::string_view codeOf(std::string_view levelWord)
 {
-    const auto level = levelOf(levelWord);
+    const auto level = logging::levelOf(levelWord);
     if (!level)
         return {};
     switch (*level) {
-    case Level::Error:
+    case logging::LogLevel::Error:
         return "\x1b[1;31m";
-    case Level::Warning:
+    case logging::LogLevel::Warning:
         return "\x1b[33m";
-    case Level::Event:
+    case logging::LogLevel::Event:
         return "\x1b[32m";
-    case Level::Admin:
+    case logging::LogLevel::Admin:
         return "\x1b[36m";
-    case Level::Trace:
+    case logging::LogLevel::Trace:
         return "\x1b[90m";
-    case Level::Data:
+    case logging::LogLevel::Data:
         return "\x1b[35m";
     }
     return {};
@@ -70,7 +71,7 @@ public:
     {
     }
 
-    void appendLine(const LogLine& line, std::string& out) override
+    void appendLine(const logging::LogLine& line, std::string& out) override
     {
         appendTime(line, out);
         out += columnGap;
@@ -84,7 +85,7 @@ public:
         appendName(line.module, widestModule, m_moduleWidth, out);
         out += columnGap;
         // Loud in full: what went wrong is the text, not the word.
-        const bool isLoud = line.level == levelWords[0] && !code.empty();
+        const bool isLoud = line.level == logging::levelWords[0] && !code.empty();
         if (isLoud)
             out += code;
         appendFields(line, out);
@@ -99,7 +100,7 @@ public:
         out += '\n';
     }
 
-    void appendLost(const OwnNotice& lost, std::string& out) override
+    void appendLost(const logging::OwnerNotice& lost, std::string& out) override
     {
         if (m_colour == Colour::PerLevel)
             out += lostCode;
@@ -118,11 +119,11 @@ private:
     static void appendField(std::string_view field, std::string& out)
     {
         const auto start = static_cast<std::ptrdiff_t>(out.size());
-        appendClean(field, Cleaning::ForTerminal, out);
+        logging::appendClean(field, logging::Cleaning::ForTerminal, out);
         std::replace(out.begin() + start, out.end(), '\t', ' ');
     }
 
-    void appendTime(const LogLine& line, std::string& out)
+    void appendTime(const logging::LogLine& line, std::string& out)
     {
         if (!line.seconds) {
             appendField(line.time, out);
@@ -166,7 +167,7 @@ private:
         out.append(width - std::min(width, characters), ' ');
     }
 
-    static void appendFields(const LogLine& line, std::string& out)
+    static void appendFields(const logging::LogLine& line, std::string& out)
     {
         auto end = line.fields.end();
         while (end != line.fields.begin() && std::prev(end)->empty())

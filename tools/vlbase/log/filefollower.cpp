@@ -1,7 +1,8 @@
 #include "filefollower.h"
 
 #include "filetail.h"
-#include "logline.h"
+
+#include <VLBase/logging/logline.h>
 
 #include <QDir>
 
@@ -99,9 +100,9 @@ void FileFollower::dropKnown(std::string& lines, std::size_t from)
 {
     std::size_t end = from;
     while (end < lines.size() && m_lastKnown != 0) {
-        const int index = lineIndex(std::string_view(lines).substr(end));
+        const int index = logging::lineIndex(std::string_view(lines).substr(end));
         // The same number again is the line that was shown, not the next round's 100000.
-        if (index != 0 && index != m_lastKnown && isLater(index, m_lastKnown))
+        if (index != 0 && index != m_lastKnown && logging::isLater(index, m_lastKnown))
             m_lastKnown = 0;
         else
             end = lines.find('\0', end) + 1;

@@ -1,8 +1,8 @@
 #include "filetail.h"
 
-#include "linetext.h"
-#include "logline.h"
-#include "ownnotice.h"
+#include <VLBase/logging/linetext.h>
+#include <VLBase/logging/logline.h>
+#include <VLBase/logging/ownernotice.h>
 
 #include <algorithm>
 #include <string_view>
@@ -52,7 +52,7 @@ std::string headAt(const GrowingFile& file, std::int64_t place)
 
 bool beginsAsLine(std::string_view head)
 {
-    return head == noticeBegin || lineIndex(head) != 0;
+    return head == noticeBegin || logging::lineIndex(head) != 0;
 }
 
 bool isCutInBegin(std::string_view head)
@@ -121,8 +121,8 @@ std::optional<std::int64_t> endOfLinesUpTo(int index, const platform::NativeFile
 {
     std::optional<std::int64_t> end;
     readLinesBackwards(file, [&](std::string_view line, std::int64_t start) {
-        const int number = lineIndex(line);
-        if (number != 0 && !isLater(number, index))
+        const int number = logging::lineIndex(line);
+        if (number != 0 && !logging::isLater(number, index))
             end = start + static_cast<std::int64_t>(line.size()) + 1;
         return !end;
     });
@@ -132,25 +132,25 @@ std::optional<std::int64_t> endOfLinesUpTo(int index, const platform::NativeFile
 FileTail readFileTail(const GrowingFile& file)
 {
     FileTail tail;
-    LogLine parsed;
+    logging::LogLine parsed;
     readLinesBackwards(file, [&](std::string_view line, std::int64_t) {
         const auto isOther = [&] {
             if (tail.after.size() < mostLinesAfter)
                 tail.after.emplace_back(line);
             return true;
         };
-        if (const int index = lineIndex(line)) {
+        if (const int index = logging::lineIndex(line)) {
             tail.kind = FileTail::Kind::Line;
             tail.index = index;
             tail.line = line;
             return false;
         }
-        if (!parseLogLine(line, parsed))
+        if (!logging::parseLogLine(line, parsed))
             return isOther();
-        const auto notice = parseNotice(parsed);
+        const auto notice = logging::parseNotice(parsed);
         if (!notice)
             return isOther();
-        const bool begins = notice->kind == OwnNotice::Kind::LogBegins;
+        const bool begins = notice->kind == logging::OwnerNotice::Kind::LogBegins;
         tail.kind = begins ? FileTail::Kind::LogBegins : FileTail::Kind::Line;
         tail.index = begins ? notice->first : notice->last;
         return false;
@@ -179,14 +179,12 @@ std::size_t bytesInFile(const FileTail& tail, std::string_view pending)
     std::vector<std::string> lines;
     std::vector<std::size_t> ends;
     std::size_t begun = 0; // lines up to the last one with a number that the file has
-    for (std::size_t start = 0; start < pending.size();) {
-        const std::size_t end = std::min(pending.find('\0', start), pending.size());
-        const std::string_view line = pending.substr(start, end - start);
+    for (std::string_view rest = pending; !rest.empty();) {
+        const std::string_view line = logging::takeLine(rest);
         lines.emplace_back();
-        appendClean(line, Cleaning::ForFile, lines.back());
-        start = std::min(end + 1, pending.size());
-        ends.push_back(start);
-        if (tail.index != 0 && lineIndex(line) == tail.index && lines.back() == tail.line)
+        logging::appendClean(line, logging::Cleaning::ForFile, lines.back());
+        ends.push_back(pending.size() - rest.size());
+        if (tail.index != 0 && logging::lineIndex(line) == tail.index && lines.back() == tail.line)
             begun = lines.size();
     }
     // Behind that, as many as are the file's last ones.

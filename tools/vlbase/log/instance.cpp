@@ -28,12 +28,6 @@ void selectInstance(CommandLine& line)
                           .arg(name));
 }
 
-bool hasOwner(const logging::LogStatus& status)
-{
-    return status.presence == logging::LogStatus::Presence::Present && status.owners > 0 &&
-           (status.ownerAlive || !status.hasReserve);
-}
-
 QString absenceText(const logging::LogStatus& status)
 {
     if (status.presence != logging::LogStatus::Presence::Refused)

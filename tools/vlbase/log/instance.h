@@ -13,10 +13,6 @@ Option instanceOption();
 /// Selects the log that the line names; a bad name is a fault of the line.
 void selectInstance(CommandLine& line);
 
-/// Whether the lines of this log reach a file: an owner is alive, be it one of a foreign program,
-/// which has no claim that could tell its death.
-bool hasOwner(const logging::LogStatus& status);
-
 /// Why there is no owner: "the log has no owner", or what has the log's name instead.
 QString absenceText(const logging::LogStatus& status);
 

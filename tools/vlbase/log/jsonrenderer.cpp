@@ -1,5 +1,6 @@
 #include "linerenderer.h"
-#include "linetext.h"
+
+#include <VLBase/logging/linetext.h>
 
 #include <charconv>
 
@@ -9,7 +10,7 @@ namespace {
 class JsonRenderer : public LineRenderer
 {
 public:
-    void appendLine(const LogLine& line, std::string& out) override
+    void appendLine(const logging::LogLine& line, std::string& out) override
     {
         out += "{\"index\":";
         out += line.index == 0 ? "null" : std::to_string(line.index);
@@ -39,7 +40,7 @@ public:
         out += "}\n";
     }
 
-    void appendLost(const OwnNotice& lost, std::string& out) override
+    void appendLost(const logging::OwnerNotice& lost, std::string& out) override
     {
         out += "{\"lost\":" + std::to_string(lost.count) +
                ",\"first\":" + std::to_string(lost.first) +
@@ -52,7 +53,7 @@ private:
         out += '"';
         // Clean text has no control character but the tab.
         std::string clean;
-        appendClean(text, Cleaning::ForTerminal, clean);
+        logging::appendClean(text, logging::Cleaning::ForTerminal, clean);
         for (const char c : clean) {
             if (c == '"' || c == '\\')
                 out += '\\';
@@ -64,7 +65,7 @@ private:
         out += '"';
     }
 
-    static void appendTime(const LogLine& line, std::string& out)
+    static void appendTime(const logging::LogLine& line, std::string& out)
     {
         if (!line.seconds) {
             appendString(line.time, out);

@@ -17,7 +17,7 @@ bool isOneOf(const QStringList& wanted, std::string_view text)
 
 } // namespace
 
-bool LineFilter::passes(std::string_view text, const LogLine* line) const
+bool LineFilter::passes(std::string_view text, const logging::LogLine* line) const
 {
     const bool asksHeader = !m_levels.empty() || !m_modules.isEmpty() || !m_stations.isEmpty();
     if (asksHeader && (line == nullptr || !passesHeader(*line)))
@@ -25,10 +25,10 @@ bool LineFilter::passes(std::string_view text, const LogLine* line) const
     return m_text.isEmpty() || toText(text).contains(m_text, Qt::CaseInsensitive);
 }
 
-bool LineFilter::passesHeader(const LogLine& line) const
+bool LineFilter::passesHeader(const logging::LogLine& line) const
 {
     if (!m_levels.empty()) {
-        const auto level = levelOf(line.level);
+        const auto level = logging::levelOf(line.level);
         if (!level || m_levels.count(*level) == 0)
             return false;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "logline.h"
+#include <VLBase/logging/logline.h>
 
 #include <QString>
 #include <QStringList>
@@ -16,7 +16,7 @@ namespace vlbase::tool::log {
 class LineFilter
 {
 public:
-    void setLevels(std::set<Level> levels) { m_levels = std::move(levels); }
+    void setLevels(std::set<logging::LogLevel> levels) { m_levels = std::move(levels); }
     /// Any of these, compared without regard to case.
     void setModules(const QStringList& modules) { m_modules = modules; }
     void setStations(const QStringList& stations) { m_stations = stations; }
@@ -25,12 +25,12 @@ public:
 
     /// \param text the line as a whole
     /// \param line the same taken apart; null when it has no header
-    bool passes(std::string_view text, const LogLine* line) const;
+    bool passes(std::string_view text, const logging::LogLine* line) const;
 
 private:
-    bool passesHeader(const LogLine& line) const;
+    bool passesHeader(const logging::LogLine& line) const;
 
-    std::set<Level> m_levels;
+    std::set<logging::LogLevel> m_levels;
     QStringList m_modules;
     QStringList m_stations;
     QString m_text;

@@ -1,9 +1,8 @@
 #include "lineintake.h"
 
-#include "linetext.h"
-#include "logline.h"
+#include <VLBase/logging/linetext.h>
+#include <VLBase/logging/logline.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace vlbase::tool::log {
@@ -16,23 +15,20 @@ LineIntake::LineIntake(logging::LineLedger ledger, std::string station)
 
 void LineIntake::take(std::string_view lines, std::string& text)
 {
-    while (!lines.empty()) {
-        const std::size_t length = std::min(lines.find('\0'), lines.size());
-        takeLine(lines.substr(0, length), text);
-        lines.remove_prefix(std::min(length + 1, lines.size()));
-    }
+    while (!lines.empty())
+        judgeLine(logging::takeLine(lines), text);
 }
 
-void LineIntake::takeLine(std::string_view line, std::string& text)
+void LineIntake::judgeLine(std::string_view line, std::string& text)
 {
     using Verdict = logging::LineLedger::Verdict;
     const auto judgement = m_ledger.judge(line);
     if (judgement.lostBefore > 0)
-        noteLost(judgement.lostBefore, previousIndex(lineIndex(line)), text);
+        noteLost(judgement.lostBefore, logging::previousIndex(logging::lineIndex(line)), text);
     if (judgement.verdict != Verdict::Accept)
         return;
     ++m_taken;
-    appendClean(line, Cleaning::ForFile, text);
+    logging::appendClean(line, logging::Cleaning::ForFile, text);
     text += '\n';
 }
 
@@ -40,13 +36,13 @@ void LineIntake::settle(long nextIndex, std::string& text)
 {
     const std::uint64_t lost = m_ledger.lostUpTo(nextIndex);
     if (lost > 0)
-        noteLost(lost, previousIndex(static_cast<int>(nextIndex)), text);
+        noteLost(lost, logging::previousIndex(static_cast<int>(nextIndex)), text);
 }
 
 void LineIntake::noteLost(std::uint64_t count, int last, std::string& text)
 {
     m_lost += count;
-    text += noticeLine(noticeOfLost(count, last), m_station);
+    text += logging::noticeLine(logging::noticeOfLost(count, last), m_station);
 }
 
 } // namespace vlbase::tool::log

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "ownnotice.h"
-
 #include <VLBase/logging/lineledger.h>
+#include <VLBase/logging/ownernotice.h>
 
 #include <cstdint>
 #include <string>
@@ -29,7 +28,7 @@ public:
     std::uint64_t linesLost() const { return m_lost; }
 
 private:
-    void takeLine(std::string_view line, std::string& text);
+    void judgeLine(std::string_view line, std::string& text);
     void noteLost(std::uint64_t count, int last, std::string& text);
 
     logging::LineLedger m_ledger;

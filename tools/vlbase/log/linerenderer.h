@@ -1,7 +1,7 @@
 #pragma once
 
-#include "logline.h"
-#include "ownnotice.h"
+#include <VLBase/logging/logline.h>
+#include <VLBase/logging/ownernotice.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -17,10 +17,10 @@ class LineRenderer
 public:
     virtual ~LineRenderer() = default;
 
-    virtual void appendLine(const LogLine& line, std::string& out) = 0;
+    virtual void appendLine(const logging::LogLine& line, std::string& out) = 0;
     /// A line without a header.
     virtual void appendText(std::string_view text, std::string& out) = 0;
-    virtual void appendLost(const OwnNotice& lost, std::string& out) = 0;
+    virtual void appendLost(const logging::OwnerNotice& lost, std::string& out) = 0;
 };
 
 enum class TimeShown { Local, Utc };

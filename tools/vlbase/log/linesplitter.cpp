@@ -1,6 +1,6 @@
 #include "linesplitter.h"
 
-#include "linetext.h"
+#include <VLBase/logging/linetext.h>
 
 #include <algorithm>
 #include <utility>
@@ -58,7 +58,7 @@ void LineSplitter::grow(std::string_view data)
 
 void LineSplitter::give()
 {
-    const std::string_view whole = cutToWholeCharacters(m_line, m_longest);
+    const std::string_view whole = logging::cutToWholeCharacters(m_line, m_longest);
     m_take(whole, m_cut + m_line.size() - whole.size());
     m_line.clear();
     m_cut = 0;

@@ -1,13 +1,13 @@
 #include "livesource.h"
 
-#include "logline.h"
+#include <VLBase/logging/logline.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace vlbase::tool::log {
 
-LiveSource::LiveSource(logging::LogViewerClaim claim)
+LiveSource::LiveSource(logging::ViewerClaim claim)
     : m_claim(std::move(claim))
 {
 }
@@ -31,7 +31,7 @@ bool LiveSource::poll(std::string& lines)
 void LiveSource::findGap(std::string_view lines, std::size_t start)
 {
     while (start < lines.size()) {
-        const int index = lineIndex(lines.substr(start));
+        const int index = logging::lineIndex(lines.substr(start));
         const int last = m_numbers.last();
         if (index != 0 && m_numbers.missingBefore(index) > 0 && !m_gap)
             m_gap = Gap{start, last};

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "gapwatch.h"
 #include "linesource.h"
 
-#include <VLBase/logging/internal/logviewerclaim.h>
+#include <VLBase/logging/gapwatch.h>
 #include <VLBase/logging/livelogreader.h>
+#include <VLBase/logging/viewerclaim.h>
 
 #include <cstddef>
 #include <optional>
@@ -17,7 +17,7 @@ namespace vlbase::tool::log {
 class LiveSource : public LineSource
 {
 public:
-    explicit LiveSource(logging::LogViewerClaim claim);
+    explicit LiveSource(logging::ViewerClaim claim);
 
     bool isOpen() { return m_reader.IsOpen() || m_reader.Open(); }
 
@@ -37,10 +37,10 @@ public:
 private:
     void findGap(std::string_view lines, std::size_t start);
 
-    logging::LogViewerClaim m_claim;
+    logging::ViewerClaim m_claim;
     CLiveLogReader m_reader;
     std::size_t m_mostSeen = 0;
-    GapWatch m_numbers;
+    logging::GapWatch m_numbers;
     std::optional<Gap> m_gap;
 };
 

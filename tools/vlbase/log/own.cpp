@@ -10,7 +10,6 @@
 #include "tools/vlbase/platform/stopsignal.h"
 #include "verbs.h"
 
-#include <VLBase/logging/internal/lineindex.h>
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
 
@@ -180,12 +179,8 @@ int serve(CommandLine& line, LogOwner& owner, const Settings& settings,
     owner.SetAcceptDataBlocks(settings.acceptsDataBlocks);
 
     OwnerLoop loop(owner, sink, intake, [&](const QString& text) { line.tell(text); });
-    if (owner.openResult() == LogOwner::OpenResult::Created) {
-        OwnNotice begins;
-        begins.kind = OwnNotice::Kind::LogBegins;
-        begins.first = logging::firstNumber;
-        loop.writeFirst(noticeLine(begins, station));
-    }
+    if (owner.openResult() == LogOwner::OpenResult::Created)
+        loop.writeFirst(logging::noticeLine(logging::noticeOfBegin(), station));
     tellStart(line, owner, settings);
     if (settings.endsWithInput)
         watchInput();

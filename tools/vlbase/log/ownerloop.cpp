@@ -2,8 +2,6 @@
 
 #include "tools/vlbase/bytecount.h"
 
-#include <VLBase/logging/internal/drainpace.h>
-
 #include <thread>
 #include <utility>
 
@@ -39,9 +37,8 @@ OwnerLoop::OwnerLoop(logging::LogOwner& owner, FileSink& sink, LineIntake& intak
 bool OwnerLoop::run(const platform::StopSignal& stop)
 {
     std::thread writer([this] { writeWhileRunning(); });
-    logging::DrainPace pace(m_owner.bufferSize());
     while (!platform::StopSignal::requested()) {
-        const auto rest = pace.restAfter(drain());
+        const auto rest = drain().rest;
         if (rest > 0us)
             stop.wait(rest);
     }

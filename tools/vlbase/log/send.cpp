@@ -29,7 +29,7 @@ constexpr qsizetype mostFields = 3;
 QStringList levelNames()
 {
     QStringList names;
-    for (const std::string_view word : levelWords)
+    for (const std::string_view word : logging::levelWords)
         names << QString::fromLatin1(word.data(), static_cast<qsizetype>(word.size())).toLower();
     return names;
 }
@@ -38,7 +38,7 @@ QStringList levelNames()
 class Sender
 {
 public:
-    Sender(const CommandLine& line, const QString& module, Level level)
+    Sender(const CommandLine& line, const QString& module, logging::LogLevel level)
         : m_line(line)
         , m_writer(module)
         , m_level(level)
@@ -50,7 +50,7 @@ public:
     int findOwner()
     {
         const logging::LogStatus status = logging::peekLog();
-        if (hasOwner(status) && isOpen())
+        if (status.hasOwner() && isOpen())
             return Success;
         if (!m_waits) {
             m_line.tell(QStringLiteral("%1, so nobody would write the line; "
@@ -60,7 +60,7 @@ public:
         }
         m_line.tell(
             QStringLiteral("%1; waiting for '%2'").arg(absenceText(status), ownCommandLine()));
-        while (!hasOwner(logging::peekLog()) || !isOpen())
+        while (!logging::peekLog().hasOwner() || !isOpen())
             std::this_thread::sleep_for(ownerCheckTime);
         return Success;
     }
@@ -106,7 +106,7 @@ public:
     {
         const logging::LogStatus status = logging::peekLog();
         const bool isTaken = status.fill[1] == 0 && status.stagedBytes == 0;
-        if (m_sent == 0 || isTaken || hasOwner(status))
+        if (m_sent == 0 || isTaken || status.hasOwner())
             return Success;
         return findOwnerAgain();
     }
@@ -119,7 +119,7 @@ private:
 
     int findOwnerAgain()
     {
-        if (hasOwner(logging::peekLog()))
+        if (logging::peekLog().hasOwner())
             return Success;
         if (m_waits)
             return findOwner();
@@ -131,21 +131,21 @@ private:
 
     const CommandLine& m_line;
     SureWriter m_writer;
-    Level m_level;
+    logging::LogLevel m_level;
     bool m_waits;
     std::uint64_t m_sent = 0;
 };
 
 constexpr QStringView blockType = u"Text"; // of a line that is sent as data
 
-std::size_t typeBytes(Level level)
+std::size_t typeBytes(logging::LogLevel level)
 {
-    return level == Level::Data ? static_cast<std::size_t>(blockType.size()) : 0;
+    return level == logging::LogLevel::Data ? static_cast<std::size_t>(blockType.size()) : 0;
 }
 
-SureWriter::Fields fieldsOf(Level level, const QString& text)
+SureWriter::Fields fieldsOf(logging::LogLevel level, const QString& text)
 {
-    if (level == Level::Data)
+    if (level == logging::LogLevel::Data)
         return {blockType.toString(), text, QString()};
     return {text, QString(), QString()};
 }
@@ -166,7 +166,7 @@ std::size_t cutToFit(QString& text, std::size_t longest)
     return size - static_cast<std::size_t>(end);
 }
 
-int sendInput(const CommandLine& line, Sender& sender, Level level)
+int sendInput(const CommandLine& line, Sender& sender, logging::LogLevel level)
 {
     int status = Success;
     std::uint64_t number = 0;
@@ -210,7 +210,7 @@ int sendArguments(Sender& sender, const QStringList& texts)
     return sender.finish();
 }
 
-std::optional<Level> readLevel(CommandLine& line)
+std::optional<logging::LogLevel> readLevel(CommandLine& line)
 {
     if (line.positional().isEmpty()) {
         line.addFault(QStringLiteral("which level? There are: %1")
@@ -218,7 +218,7 @@ std::optional<Level> readLevel(CommandLine& line)
         return std::nullopt;
     }
     const QString word = line.positional().constFirst();
-    const auto level = levelOf(word.toStdString(), true);
+    const auto level = logging::levelOf(word.toStdString(), true);
     if (!level)
         line.addFault(QStringLiteral("unknown level '%1'.%2 There are: %3")
                           .arg(word, didYouMean(word, levelNames()),

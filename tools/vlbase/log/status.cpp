@@ -36,7 +36,7 @@ QString fillText(std::int32_t fill, std::int32_t size)
 
 QString ownerText(const LogStatus& status)
 {
-    if (hasOwner(status))
+    if (status.hasOwner())
         return status.ownerAlive
                    ? QStringLiteral("alive")
                    : QStringLiteral("attached (of another program, not to be tested)");
@@ -82,7 +82,7 @@ QString asJson(const LogStatus& status)
     const bool isPresent = status.presence == LogStatus::Presence::Present;
     object[QStringLiteral("instance")] = logInstance();
     object[QStringLiteral("present")] = isPresent;
-    object[QStringLiteral("owner")] = hasOwner(status);
+    object[QStringLiteral("owner")] = status.hasOwner();
     if (isPresent) {
         object[QStringLiteral("ownerAlive")] = status.ownerAlive;
         object[QStringLiteral("file")] = QString::fromStdString(status.fileName);
@@ -112,7 +112,7 @@ int run(CommandLine& line)
         return line.tellFault();
 
     const LogStatus status = logging::peekLog();
-    const int result = hasOwner(status) ? Success : NoOwner;
+    const int result = status.hasOwner() ? Success : NoOwner;
     if (line.isSet(QStringLiteral("json")))
         return print(asJson(status)) ? result : Failure;
     if (status.presence == LogStatus::Presence::Present)

@@ -60,7 +60,7 @@ QString SureWriter::asWritten(QString text)
     return text.replace(QChar(u'\0'), QChar(0x2400));
 }
 
-SureWriter::Result SureWriter::send(Level level, const Fields& fields)
+SureWriter::Result SureWriter::send(logging::LogLevel level, const Fields& fields)
 {
     Fields texts = fields;
     std::size_t size = headerBytes + utf8Size(GetStationName()) + utf8Size(GetModuleName());
@@ -73,7 +73,7 @@ SureWriter::Result SureWriter::send(Level level, const Fields& fields)
     const std::size_t half = halfSize();
     if (size > half)
         return Result::TooLong;
-    if (level == Level::Data && !GetAcceptDataBlocks() && IsWriterAvailable())
+    if (level == logging::LogLevel::Data && !GetAcceptDataBlocks() && IsWriterAvailable())
         return Result::NoBlocks;
 
     const Lock lock(this);
@@ -86,22 +86,22 @@ SureWriter::Result SureWriter::send(Level level, const Fields& fields)
     if (fill > 0 && static_cast<std::size_t>(fill) + size > half / 4 * 3)
         return Result::Full;
     switch (level) {
-    case Level::Error:
+    case logging::LogLevel::Error:
         SendError(texts[0], texts[1], texts[2]);
         break;
-    case Level::Warning:
+    case logging::LogLevel::Warning:
         SendWarning(texts[0], texts[1], texts[2]);
         break;
-    case Level::Event:
+    case logging::LogLevel::Event:
         SendEvent(texts[0], texts[1], texts[2]);
         break;
-    case Level::Admin:
+    case logging::LogLevel::Admin:
         SendAdmin(texts[0], texts[1], texts[2]);
         break;
-    case Level::Trace:
+    case logging::LogLevel::Trace:
         SendTrace(texts[0], texts[1], texts[2]);
         break;
-    case Level::Data: {
+    case logging::LogLevel::Data: {
         TextBlock block(texts[0], texts[1]);
         SendData(&block, texts[2]);
         break;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "logline.h"
-
+#include <VLBase/logging/logline.h>
 #include <VLBase/logging/logwriter.h>
 
 #include <QString>
@@ -29,7 +28,7 @@ public:
 
     /// Sends a line in one step with the look at the buffer, so that neither an owner that leaves
     /// nor a buffer that runs over can take it away in between. Never waits for room.
-    Result send(Level level, const Fields& fields);
+    Result send(logging::LogLevel level, const Fields& fields);
 
     /// A text as the log takes it.
     static QString asWritten(QString text);

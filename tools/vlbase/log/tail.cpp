@@ -1,4 +1,3 @@
-#include "gapwatch.h"
 #include "instance.h"
 #include "linefilter.h"
 #include "linerenderer.h"
@@ -11,6 +10,8 @@
 #include "tools/vlbase/textoutput.h"
 #include "verbs.h"
 #include "viewerfeed.h"
+
+#include <VLBase/logging/gapwatch.h>
 
 #include <algorithm>
 #include <chrono>
@@ -37,11 +38,11 @@ struct Settings
 void readFilter(CommandLine& line, LineFilter& filter)
 {
     QStringList names;
-    for (const std::string_view word : levelWords)
+    for (const std::string_view word : logging::levelWords)
         names << QString::fromLatin1(word.data(), static_cast<qsizetype>(word.size())).toLower();
-    std::set<Level> levels;
+    std::set<logging::LogLevel> levels;
     for (const QString& word : line.list(QStringLiteral("level"))) {
-        const auto level = levelOf(word.trimmed().toStdString(), true);
+        const auto level = logging::levelOf(word.trimmed().toStdString(), true);
         if (level)
             levels.insert(*level);
         else
@@ -93,11 +94,8 @@ public:
     bool show(std::string_view lines)
     {
         m_output.clear();
-        while (!lines.empty() && m_shown < m_settings.count) {
-            const std::size_t length = std::min(lines.find('\0'), lines.size());
-            showLine(lines.substr(0, length));
-            lines.remove_prefix(std::min(length + 1, lines.size()));
-        }
+        while (!lines.empty() && m_shown < m_settings.count)
+            showLine(logging::takeLine(lines));
         const platform::WriteResult result =
             platform::writeAll(platform::Stream::Output, m_output.data(), m_output.size());
         if (result == platform::WriteResult::Failed)
@@ -116,12 +114,12 @@ public:
 private:
     void showLine(std::string_view text)
     {
-        const bool hasHeader = parseLogLine(text, m_line);
+        const bool hasHeader = logging::parseLogLine(text, m_line);
         if (hasHeader) {
             if (const auto lost = m_gaps.lookAt(m_line))
                 showLost(*lost);
-            const auto notice = parseNotice(m_line);
-            if (notice && notice->kind == OwnNotice::Kind::LinesLost) {
+            const auto notice = logging::parseNotice(m_line);
+            if (notice && notice->kind == logging::OwnerNotice::Kind::LinesLost) {
                 showLost(*notice);
                 return;
             }
@@ -137,7 +135,7 @@ private:
             m_renderer->appendText(text, m_output);
     }
 
-    void showLost(const OwnNotice& lost)
+    void showLost(const logging::OwnerNotice& lost)
     {
         m_lost += lost.count;
         m_renderer->appendLost(lost, m_output);
@@ -145,8 +143,8 @@ private:
 
     const Settings& m_settings;
     std::unique_ptr<LineRenderer> m_renderer;
-    GapWatch m_gaps;
-    LogLine m_line;
+    logging::GapWatch m_gaps;
+    logging::LogLine m_line;
     std::string m_output;
     std::int64_t m_shown = 0;
     std::uint64_t m_lost = 0;

@@ -4,8 +4,8 @@
 #include "instance.h"
 #include "livesource.h"
 
-#include <VLBase/logging/internal/logviewerclaim.h>
 #include <VLBase/logging/logstatus.h>
+#include <VLBase/logging/viewerclaim.h>
 
 #include <chrono>
 #include <utility>
@@ -95,11 +95,11 @@ void ViewerFeed::work()
 void ViewerFeed::findOwner()
 {
     const logging::LogStatus status = logging::peekLog();
-    const bool isThere = hasOwner(status) && !status.fileName.empty();
+    const bool isThere = status.hasOwner() && !status.fileName.empty();
     if (!isThere) {
         if (m_hasOwner)
             m_tell(QStringLiteral("the log's owner has ended; waiting for the next one"));
-        else if (!m_hasToldAbsence && !hasOwner(status))
+        else if (!m_hasToldAbsence && !status.hasOwner())
             m_tell(
                 QStringLiteral("%1; waiting for '%2'").arg(absenceText(status), ownCommandLine()));
         m_hasToldAbsence = true;
@@ -116,7 +116,7 @@ void ViewerFeed::findOwner()
 
 bool ViewerFeed::makeSource(const std::string& file)
 {
-    logging::LogViewerClaim claim;
+    logging::ViewerClaim claim;
     if (!claim.take()) {
         m_source = std::make_unique<FileFollower>(file);
         return true;
@@ -152,7 +152,7 @@ bool ViewerFeed::pollOnce()
 bool ViewerFeed::goOnFromFile(int lastIndex)
 {
     const logging::LogStatus status = logging::peekLog();
-    if (!hasOwner(status) || status.fileName.empty())
+    if (!status.hasOwner() || status.fileName.empty())
         return false;
     auto follower = std::make_unique<FileFollower>(status.fileName, lastIndex);
     if (!follower->isOpen())

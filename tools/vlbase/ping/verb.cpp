@@ -6,8 +6,8 @@
 #include "tools/vlbase/platform/stopsignal.h"
 #include "tools/vlbase/textoutput.h"
 
-#include <VLBase/os/internal/ping.h>
-#include <VLBase/platform/lasterror.h>
+#include <VLBase/os/ping.h>
+#include <VLBase/os/velaos.h>
 
 #include <chrono>
 
@@ -16,8 +16,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using platform::StopSignal;
-using vlbase::platform::EchoAnswer;
-using vlbase::platform::EchoStatus;
+using Outcome = PingAnswer::Outcome;
 
 struct Settings
 {
@@ -43,13 +42,13 @@ Settings settingsOf(CommandLine& line)
     return settings;
 }
 
-QString answerText(std::int64_t number, const EchoAnswer& answer)
+QString answerText(std::int64_t number, const PingAnswer& answer)
 {
-    if (answer.status != EchoStatus::Success) {
-        const QString reason = echoStatusText(answer.status);
+    if (answer.outcome != Outcome::Reply) {
+        const QString general = QStringLiteral("general failure");
         return QStringLiteral("request %1: %2\n")
             .arg(number)
-            .arg(reason.isEmpty() ? QStringLiteral("general failure") : reason);
+            .arg(answer.message.isEmpty() ? general : answer.message);
     }
     QString text = QStringLiteral("reply %1 in %2 ms")
                        .arg(number)
@@ -67,16 +66,16 @@ bool pingAll(const CommandLine& line, const QHostAddress& address, const Setting
     const StopSignal stop;
     auto next = Clock::now();
     for (std::int64_t number = 1; !StopSignal::requested(); ++number) {
-        const EchoAnswer answer =
+        const PingAnswer answer =
             vlbase::ping(address, settings.size, settings.limit, &StopSignal::requested);
-        if (answer.isAbandoned)
+        if (answer.outcome == Outcome::Abandoned)
             break;
-        if (answer.status == EchoStatus::NoResources) {
+        if (answer.outcome == Outcome::NotSent) {
             line.tell(QStringLiteral("no echo request can be sent: %1")
-                          .arg(qt_error_string(static_cast<int>(vlbase::platform::lastError()))));
+                          .arg(qt_error_string(static_cast<int>(VelaOS::Get().GetLastError()))));
             return false;
         }
-        if (answer.status == EchoStatus::Success)
+        if (answer.outcome == Outcome::Reply)
             roundTrips.addReply(answer.roundTrip);
         else
             roundTrips.addLoss();

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace vlbase::tool::log {
+namespace vlbase::logging {
 namespace {
 
 constexpr std::uint64_t ofEachByte(unsigned char value)
@@ -134,4 +134,4 @@ std::string_view cutToWholeCharacters(std::string_view text, std::size_t bytes)
     return text.substr(0, isContinued(end) ? bytes : end);
 }
 
-} // namespace vlbase::tool::log
+} // namespace vlbase::logging

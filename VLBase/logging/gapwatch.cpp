@@ -1,13 +1,13 @@
 #include "gapwatch.h"
 
-namespace vlbase::tool::log {
+namespace vlbase::logging {
 
-std::optional<OwnNotice> GapWatch::lookAt(const LogLine& line)
+std::optional<OwnerNotice> GapWatch::lookAt(const LogLine& line)
 {
     if (line.index == 0) {
         const auto notice = parseNotice(line);
         if (notice)
-            m_last = notice->kind == OwnNotice::Kind::LogBegins ? 0 : notice->last;
+            m_last = notice->kind == OwnerNotice::Kind::LogBegins ? 0 : notice->last;
         return std::nullopt;
     }
     const std::int64_t missing = missingBefore(line.index);
@@ -28,4 +28,4 @@ std::int64_t GapWatch::missingBefore(int index)
     return missing;
 }
 
-} // namespace vlbase::tool::log
+} // namespace vlbase::logging

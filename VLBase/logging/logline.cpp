@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace vlbase::tool::log {
+namespace vlbase::logging {
 namespace {
 
 bool isDigit(char c)
@@ -24,7 +24,7 @@ bool sameIgnoringCase(std::string_view a, std::string_view b)
                       [](char x, char y) { return lower(x) == lower(y); });
 }
 
-/// Days since 1970-01-01 in the Gregorian calendar (Howard Hinnant, "chrono-Compatible Low-Level
+/// Days since 1970-01-01 in the Gregorian calendar (Howard Hinnant, "chrono-Compatible Low-LogLevel
 /// Date Algorithms", days_from_civil).
 std::int64_t daysSince1970(int year, int month, int day)
 {
@@ -75,18 +75,26 @@ std::string_view takeField(std::string_view& rest)
 
 } // namespace
 
-std::optional<Level> levelOf(std::string_view word, bool ignoreCase)
+std::optional<LogLevel> levelOf(std::string_view word, bool ignoreCase)
 {
     for (std::size_t i = 0; i < std::size(levelWords); ++i) {
         if (word == levelWords[i] || (ignoreCase && sameIgnoringCase(word, levelWords[i])))
-            return static_cast<Level>(i);
+            return static_cast<LogLevel>(i);
     }
     return std::nullopt;
 }
 
+std::string_view takeLine(std::string_view& lines)
+{
+    const std::size_t length = std::min(lines.find('\0'), lines.size());
+    const std::string_view line = lines.substr(0, length);
+    lines.remove_prefix(std::min(length + 1, lines.size()));
+    return line;
+}
+
 int lineIndex(std::string_view line)
 {
-    return logging::numberOfLine(line).value_or(0);
+    return numberOfLine(line).value_or(0);
 }
 
 bool parseLogLine(std::string_view text, LogLine& line)
@@ -120,23 +128,23 @@ bool parseLogLine(std::string_view text, LogLine& line)
 std::int64_t linesBetween(int earlier, int later)
 {
     // The number that comes twice in a row; counted on from, it is the second of the two.
-    if (earlier == logging::firstNumber && later == logging::firstNumber)
+    if (earlier == firstNumber && later == firstNumber)
         return 0;
-    const std::uint64_t next = *logging::NumberSlots(earlier).begin() + 1;
-    std::uint64_t nearest = next + logging::numberPeriod;
-    for (const std::uint64_t slot : logging::NumberSlots(later))
-        nearest = std::min(nearest, logging::positionFrom(next, slot));
+    const std::uint64_t next = *NumberSlots(earlier).begin() + 1;
+    std::uint64_t nearest = next + numberPeriod;
+    for (const std::uint64_t slot : NumberSlots(later))
+        nearest = std::min(nearest, positionFrom(next, slot));
     return static_cast<std::int64_t>(nearest - next);
 }
 
 bool isLater(int index, int than)
 {
-    return linesBetween(than, index) <= static_cast<std::int64_t>(logging::numberPeriod / 2);
+    return linesBetween(than, index) <= static_cast<std::int64_t>(numberPeriod / 2);
 }
 
 int previousIndex(int index)
 {
-    return index <= logging::firstNumber ? logging::turningNumber - 1 : index - 1;
+    return index <= firstNumber ? turningNumber - 1 : index - 1;
 }
 
-} // namespace vlbase::tool::log
+} // namespace vlbase::logging

@@ -1,9 +1,8 @@
-#include "ping.h"
+#include "echorequest.h"
 
 #include <VLBase/platform/lasterror.h>
 
 #include <QAbstractSocket>
-#include <QHostInfo>
 
 namespace vlbase {
 
@@ -13,19 +12,9 @@ thread_local const std::atomic<bool>* s_isInterested = nullptr;
 
 } // namespace
 
-std::optional<QHostAddress> firstAddress(const QString& host)
-{
-    // An address stands for itself. QHostInfo says so too, but asks the name service for its name
-    // first, which can take many seconds.
-    QHostAddress spelled;
-    if (spelled.setAddress(host))
-        return spelled;
-    const QList<QHostAddress> addresses = QHostInfo::fromName(host).addresses();
-    return addresses.isEmpty() ? std::nullopt : std::optional(addresses.constFirst());
-}
-
-platform::EchoAnswer ping(const QHostAddress& address, std::uint16_t size,
-                          std::chrono::milliseconds limit, const std::function<bool()>& isAbandoned)
+platform::EchoAnswer sendEcho(const QHostAddress& address, std::uint16_t size,
+                              std::chrono::milliseconds limit,
+                              const std::function<bool()>& isAbandoned)
 {
     platform::EchoRequest request;
     switch (address.protocol()) {

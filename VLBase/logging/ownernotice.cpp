@@ -1,11 +1,11 @@
-#include "ownnotice.h"
+#include "ownernotice.h"
 
 #include <VLBase/logging/internal/lineindex.h>
 #include <VLBase/logging/internal/linetime.h>
 
 #include <charconv>
 
-namespace vlbase::tool::log {
+namespace vlbase::logging {
 namespace {
 
 constexpr std::string_view moduleName = "vlbase log own";
@@ -22,7 +22,7 @@ template <typename Number> std::optional<Number> numberIn(std::string_view text)
     return value;
 }
 
-std::string lostFields(const OwnNotice& notice)
+std::string lostFields(const OwnerNotice& notice)
 {
     std::string text = std::to_string(notice.count);
     text += notice.count == 1 ? " line" : " lines";
@@ -35,19 +35,19 @@ std::string lostFields(const OwnNotice& notice)
 
 } // namespace
 
-std::string noticeLine(const OwnNotice& notice, const std::string& station)
+std::string noticeLine(const OwnerNotice& notice, const std::string& station)
 {
-    logging::LineTime time;
+    LineTime time;
     time.update();
     std::string line = "------\t";
     line += time.text();
     line += '\t' + station + '\t';
     line += moduleName;
     switch (notice.kind) {
-    case OwnNotice::Kind::LinesLost:
+    case OwnerNotice::Kind::LinesLost:
         line += "\tWarning\t" + lostFields(notice);
         break;
-    case OwnNotice::Kind::LogBegins:
+    case OwnerNotice::Kind::LogBegins:
         line += "\tEvent\t";
         line += beginsText;
         line += '\t' + std::to_string(notice.first) + '\t';
@@ -56,16 +56,16 @@ std::string noticeLine(const OwnNotice& notice, const std::string& station)
     return line + '\n';
 }
 
-std::optional<OwnNotice> parseNotice(const LogLine& line)
+std::optional<OwnerNotice> parseNotice(const LogLine& line)
 {
     if (line.index != 0 || line.module != moduleName || line.fields.size() != 3)
         return std::nullopt;
-    OwnNotice notice;
+    OwnerNotice notice;
     if (line.fields[0] == beginsText) {
         const auto first = numberIn<int>(line.fields[1]);
         if (!first)
             return std::nullopt;
-        notice.kind = OwnNotice::Kind::LogBegins;
+        notice.kind = OwnerNotice::Kind::LogBegins;
         notice.first = *first;
         return notice;
     }
@@ -84,17 +84,24 @@ std::optional<OwnNotice> parseNotice(const LogLine& line)
     return notice;
 }
 
-OwnNotice noticeOfLost(std::uint64_t count, int last)
+OwnerNotice noticeOfBegin()
 {
-    using namespace logging;
+    OwnerNotice notice;
+    notice.kind = OwnerNotice::Kind::LogBegins;
+    notice.first = firstNumber;
+    return notice;
+}
+
+OwnerNotice noticeOfLost(std::uint64_t count, int last)
+{
     const std::uint64_t lastSlot = *NumberSlots(last).begin();
     const std::uint64_t slot =
         (lastSlot + numberPeriod - (count - 1) % numberPeriod) % numberPeriod;
-    OwnNotice notice;
+    OwnerNotice notice;
     notice.count = count;
     notice.first = slot == 0 ? firstNumber : firstNumber + static_cast<std::int32_t>(slot) - 1;
     notice.last = last;
     return notice;
 }
 
-} // namespace vlbase::tool::log
+} // namespace vlbase::logging

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <VLBase/platform/echo.h>
-#include <VLBase/vlbase_export.h>
 
 #include <QHostAddress>
 #include <QString>
@@ -9,21 +8,16 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
-#include <optional>
 
 namespace vlbase {
 
-/// The first address of a host; none for one that has none. Blocks for the name service, except
-/// for an address.
-VLBASE_EXPORT std::optional<QHostAddress> firstAddress(const QString& host);
-
 /// Sends an echo request to an address and waits for its reply.
-VLBASE_EXPORT platform::EchoAnswer ping(const QHostAddress& address, std::uint16_t size,
-                                        std::chrono::milliseconds limit,
-                                        const std::function<bool()>& isAbandoned = {});
+platform::EchoAnswer sendEcho(const QHostAddress& address, std::uint16_t size,
+                              std::chrono::milliseconds limit,
+                              const std::function<bool()>& isAbandoned = {});
 
 /// What a status means; empty for success, and for what has no text.
-VLBASE_EXPORT QString echoStatusText(platform::EchoStatus status);
+QString echoStatusText(platform::EchoStatus status);
 
 /// While one lives, IVelaOS::Ping() of its thread no longer waits once the flag is false, where
 /// the system allows that.
