@@ -7,6 +7,8 @@
 #include "tools/vlbase/textoutput.h"
 #include "verbs.h"
 
+#include <VLBase/utilities/xmlformat.h>
+
 #include <QDomDocument>
 #include <QDomElement>
 
@@ -60,7 +62,7 @@ QString asXml(unsigned index)
     QDomElement root = document.createElement(QStringLiteral("Band"));
     document.appendChild(root);
     own.Save(document, root);
-    return document.toString(2);
+    return XmlFormat().indented(document.toString(-1));
 }
 
 int run(CommandLine& line)
