@@ -19,6 +19,7 @@
 #include <vector>
 
 using vlbase::qthelpers::SortValue;
+using vlbase::qthelpers::TextOrder;
 
 namespace {
 
@@ -72,7 +73,7 @@ class HeaderSortProxyModel::Order
 public:
     QList<SortKey> keys;
     std::map<int, Compare> compares;
-    QCollator collator = vlbase::qthelpers::naturalCollator();
+    TextOrder texts;
     std::vector<int> ranks; ///< of the source's rows, while all of them are sorted
 
     int compared(const QModelIndex& left, const QModelIndex& right, int role) const
@@ -80,7 +81,7 @@ public:
         for (const SortKey& key : keys) {
             const Cell a(left.siblingAtColumn(key.column).data(role), *this, key.column);
             const Cell b(right.siblingAtColumn(key.column).data(role), *this, key.column);
-            if (const int result = a.compared(b, key.order))
+            if (const int result = a.compared(b, key.order, texts))
                 return result;
         }
         return 0;
@@ -102,7 +103,7 @@ public:
         std::stable_sort(rows.begin(), rows.end(), [&](std::size_t a, std::size_t b) {
             for (std::size_t key = 0; key < columns.size(); ++key) {
                 const Qt::SortOrder order = keys[static_cast<qsizetype>(key)].order;
-                if (const int result = columns[key][a].compared(columns[key][b], order))
+                if (const int result = columns[key][a].compared(columns[key][b], order, texts))
                     return result < 0;
             }
             return false;
@@ -118,7 +119,7 @@ private:
     {
     public:
         Cell(const QVariant& value, const Order& order, int column)
-            : m_value(value, order.collator)
+            : m_value(value, order.texts)
         {
             const auto found = order.compares.find(column);
             if (found == order.compares.end())
@@ -127,12 +128,12 @@ private:
             m_variant = value;
         }
 
-        int compared(const Cell& other, Qt::SortOrder order) const
+        int compared(const Cell& other, Qt::SortOrder order, const TextOrder& texts) const
         {
             if (m_value.isEmpty() || other.m_value.isEmpty())
                 return int(m_value.isEmpty()) - int(other.m_value.isEmpty());
             const int result = m_compare ? (*m_compare)(m_variant, other.m_variant)
-                                         : m_value.compare(other.m_value);
+                                         : m_value.compare(other.m_value, texts);
             return order == Qt::AscendingOrder ? result : (result < 0) - (result > 0);
         }
 
@@ -229,7 +230,7 @@ void HeaderSortProxyModel::sortAgain()
         QSortFilterProxyModel::sort(-1, Qt::AscendingOrder);
         return;
     }
-    m_order->collator = vlbase::qthelpers::naturalCollator();
+    m_order->texts = TextOrder(); // The default locale may be another one by now.
     const auto forget = qScopeGuard([this] { m_order->ranks = {}; });
     constexpr int fewRows = 100;
     if (sourceModel() && sourceModel()->rowCount() > fewRows)

@@ -1,9 +1,9 @@
 #include "sortvalue.h"
 
 #include <QDateTime>
-#include <QLocale>
 
 #include <cmath>
+#include <limits>
 
 namespace vlbase::qthelpers {
 
@@ -14,29 +14,6 @@ template <typename Number> int order(Number a, Number b)
     return a < b ? -1 : b < a ? 1 : 0;
 }
 
-// A text whose characters, compared one by one, stand in natural order: before each run of digits
-// stands how many there are.
-QString naturalKey(const QString& text)
-{
-    const QString folded = text.toCaseFolded();
-    QString key;
-    for (qsizetype at = 0; at < folded.size();) {
-        if (folded[at].digitValue() < 0) {
-            key += folded[at++];
-            continue;
-        }
-        QString digits;
-        for (; at < folded.size() && folded[at].digitValue() >= 0; ++at) {
-            if (!digits.isEmpty() || folded[at].digitValue() != 0)
-                digits += QChar(u'0' + folded[at].digitValue());
-        }
-        key += u'0';
-        key += QChar(static_cast<char16_t>(std::min<qsizetype>(digits.size(), 0xFFFF)));
-        key += digits;
-    }
-    return key;
-}
-
 QDateTime momentOf(const QVariant& value)
 {
     return value.typeId() == QMetaType::QDate ? value.toDate().startOfDay() : value.toDateTime();
@@ -44,7 +21,7 @@ QDateTime momentOf(const QVariant& value)
 
 } // namespace
 
-SortValue::SortValue(const QVariant& value, const QCollator& collator)
+SortValue::SortValue(const QVariant& value, const TextOrder& texts)
 {
     switch (value.typeId()) {
     case QMetaType::Bool:
@@ -79,7 +56,10 @@ SortValue::SortValue(const QVariant& value, const QCollator& collator)
         }
         break;
     default:
-        takeText(value.toString(), collator);
+        if (const QString text = value.toString(); !text.isEmpty()) {
+            m_kind = Kind::Text;
+            m_text = texts.key(text);
+        }
         break;
     }
 }
@@ -104,19 +84,7 @@ void SortValue::takeReal(double number)
     m_kind = std::isnan(number) ? Kind::Empty : Kind::Real;
 }
 
-void SortValue::takeText(const QString& text, const QCollator& collator)
-{
-    if (text.isEmpty())
-        return;
-    m_kind = Kind::Text;
-    // Qt's collator of this locale compares code points and nothing else.
-    if (collator.locale() == QLocale::c())
-        m_text = naturalKey(text);
-    else
-        m_collated = collator.sortKey(text);
-}
-
-int SortValue::compare(const SortValue& other) const
+int SortValue::compare(const SortValue& other, const TextOrder& texts) const
 {
     const auto isNumber = [](Kind kind) { return kind == Kind::Integer || kind == Kind::Real; };
     if (m_kind != other.m_kind) {
@@ -131,20 +99,11 @@ int SortValue::compare(const SortValue& other) const
     case Kind::Real:
         return order(m_real, other.m_real);
     case Kind::Text:
-        return m_collated && other.m_collated ? m_collated->compare(*other.m_collated)
-                                              : m_text.compare(other.m_text);
+        return texts.compare(m_text, other.m_text);
     case Kind::Empty:
         break;
     }
     return 0;
-}
-
-QCollator naturalCollator()
-{
-    QCollator collator{QLocale()};
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    return collator;
 }
 
 } // namespace vlbase::qthelpers

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <QCollator>
-#include <QString>
-#include <QVariant>
+#include "textorder.h"
 
-#include <optional>
+#include <QVariant>
 
 namespace vlbase::qthelpers {
 
@@ -13,29 +11,24 @@ class SortValue
 {
 public:
     SortValue() = default;
-    SortValue(const QVariant& value, const QCollator& collator);
+    SortValue(const QVariant& value, const TextOrder& texts);
 
     /// Comes last, whatever the direction.
     bool isEmpty() const { return m_kind == Kind::Empty; }
 
     /// Below 0, 0 or above 0.
-    int compare(const SortValue& other) const;
+    int compare(const SortValue& other, const TextOrder& texts) const;
 
 private:
     enum class Kind : quint8 { Integer, Real, Moment, Time, Text, Empty };
 
-    void takeText(const QString& text, const QCollator& collator);
     void takeNumber(const QVariant& value);
     void takeReal(double number);
 
     Kind m_kind = Kind::Empty;
     qint64 m_integer = 0; ///< milliseconds of a moment or a time
     double m_real = 0.0;  ///< of an integer as well
-    std::optional<QCollatorSortKey> m_collated;
-    QString m_text; ///< where the collator knows no numbers
+    TextOrder::Key m_text;
 };
-
-/// One whose order knows numbers and does not look at case, by the default locale.
-QCollator naturalCollator();
 
 } // namespace vlbase::qthelpers
