@@ -67,6 +67,7 @@ private slots:
     void cleanup() { QVERIFY2(!QFile::exists(m_path), "something was left behind"); }
 
     void mapping();
+    void mappingWithoutStandardStreams();
     void foreignFiles();
     void mutex();
     void openingLock();
@@ -99,6 +100,23 @@ void tst_NamedObjects::mapping()
     glance.close();
     second = NamedMapping();
     QCOMPARE(first.open(m_name), NamedMapping::Opened::Absent);
+}
+
+// What such a process says must not get into the memory of others.
+void tst_NamedObjects::mappingWithoutStandardStreams()
+{
+#ifdef Q_OS_UNIX
+    const int aside = dup(STDERR_FILENO);
+    close(STDERR_FILENO);
+    NamedMapping mapping;
+    const bool isMade = mapping.create(m_name, 10);
+    const bool isPut = write(STDERR_FILENO, "words", 5) >= 0;
+    dup2(aside, STDERR_FILENO);
+    close(aside);
+    QVERIFY(isMade && !isPut);
+#else
+    QSKIP("a handle is no small number here");
+#endif
 }
 
 void tst_NamedObjects::foreignFiles()
@@ -259,7 +277,6 @@ void tst_NamedObjects::claimOfForkedProgram()
             pause();
             _exit(0);
         }
-        static_cast<void>(!write(ends[1], &child, sizeof child));
         _exit(isTaken ? 0 : 1); // as if it were killed: the claim is not released
     }
     pid_t child = 0;

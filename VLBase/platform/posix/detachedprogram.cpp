@@ -107,20 +107,15 @@ int launchByHelper(Launch& call)
 
 std::optional<int> startDetachedProgram(std::vector<std::string> words, int output)
 {
-    // A process whose own standard streams are closed has the output among their numbers, where
-    // the program's would be put over it.
-    const int aside = output >= 0 && output <= 2 ? ::fcntl(output, F_DUPFD_CLOEXEC, 3) : output;
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);
 
-    const Beginning beginning(aside);
+    const Beginning beginning(output);
     Launch call{beginning, pointers.data()};
     const int error = beginning.error() != 0 ? beginning.error() : launchByHelper(call);
-    if (aside != output)
-        ::close(aside);
     if (error != 0) {
         setLastError(static_cast<std::uint32_t>(error));
         return std::nullopt;

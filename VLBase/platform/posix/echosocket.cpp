@@ -1,5 +1,7 @@
 #include "echosocket.h"
 
+#include "descriptor.h"
+
 #include <VLBase/platform/lasterror.h>
 
 #include <array>
@@ -131,11 +133,11 @@ EchoSocket::EchoSocket(IpVersion version)
 {
     const int family = version == IpVersion::V4 ? AF_INET : AF_INET6;
     const int protocol = version == IpVersion::V4 ? int{IPPROTO_ICMP} : int{IPPROTO_ICMPV6};
-    m_socket = ::socket(family, SOCK_DGRAM | SOCK_CLOEXEC, protocol);
+    m_socket = behindStandardStreams(::socket(family, SOCK_DGRAM | SOCK_CLOEXEC, protocol));
     const bool mayTryRaw = errno == EACCES || errno == EPERM || errno == EPROTONOSUPPORT;
     if (m_socket < 0 && mayTryRaw) {
         m_isRaw = true;
-        m_socket = ::socket(family, SOCK_RAW | SOCK_CLOEXEC, protocol);
+        m_socket = behindStandardStreams(::socket(family, SOCK_RAW | SOCK_CLOEXEC, protocol));
     }
     if (m_socket < 0) {
         m_fault = errno == EAFNOSUPPORT ? EchoStatus::NetworkUnreachable : EchoStatus::NoResources;

@@ -1,3 +1,5 @@
+#include "descriptor.h"
+
 #include <VLBase/platform/ownfile.h>
 
 #include <QFile>
@@ -26,7 +28,8 @@ bool isOwn(int descriptor)
 /// \a isForeign tells whether somebody else's file or a link stands there.
 bool openUnder(QFile& file, const QString& path, bool& isForeign)
 {
-    const int descriptor = ::open(QFile::encodeName(path).constData(), openFlags, openMode);
+    const int descriptor =
+        behindStandardStreams(::open(QFile::encodeName(path).constData(), openFlags, openMode));
     isForeign = descriptor < 0 ? errno == ELOOP || errno == EACCES : !isOwn(descriptor);
     if (descriptor < 0)
         return false;

@@ -1,5 +1,7 @@
 #include "sharedfile.h"
 
+#include "descriptor.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -101,7 +103,8 @@ SharedFile::Opened SharedFile::open(const std::string& name, bool readOnly)
     m_process = getpid();
     const int access = readOnly ? O_RDONLY : O_RDWR;
     // Not blocking: a pipe under this name must not keep us.
-    m_descriptor = shm_open(m_path.c_str(), access | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0);
+    m_descriptor = behindStandardStreams(
+        shm_open(m_path.c_str(), access | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0));
     if (m_descriptor < 0)
         return errno == ENOENT ? Opened::Absent : Opened::Refused;
     if (!isOurs()) {
@@ -116,8 +119,8 @@ SharedFile::Opened SharedFile::create(const std::string& name)
     close();
     m_path = pathOf(name);
     m_process = getpid();
-    m_descriptor =
-        shm_open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, ownerOnly);
+    m_descriptor = behindStandardStreams(
+        shm_open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, ownerOnly));
     if (m_descriptor < 0)
         return Opened::Refused;
     fchmod(m_descriptor, ownerOnly); // whatever the umask took away

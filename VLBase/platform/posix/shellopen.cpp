@@ -1,3 +1,4 @@
+#include "descriptor.h"
 #include "detachedprogram.h"
 
 #include <VLBase/platform/lasterror.h>
@@ -47,13 +48,20 @@ std::int64_t whyNotThere(const std::string& path, int error)
 class Pipe
 {
 public:
-    Pipe() { m_isOpen = ::pipe2(m_ends.data(), O_CLOEXEC) == 0; }
+    Pipe()
+    {
+        if (::pipe2(m_ends.data(), O_CLOEXEC) != 0)
+            return;
+        for (int& end : m_ends)
+            end = behindStandardStreams(end);
+        m_isOpen = m_ends[0] >= 0 && m_ends[1] >= 0;
+    }
     Pipe(const Pipe&) = delete;
     Pipe& operator=(const Pipe&) = delete;
     ~Pipe()
     {
         closeWriter();
-        if (m_isOpen)
+        if (m_ends[0] >= 0)
             ::close(m_ends[0]);
     }
 
@@ -62,7 +70,7 @@ public:
     int writer() const { return m_ends[1]; }
     void closeWriter()
     {
-        if (m_isOpen && m_ends[1] >= 0)
+        if (m_ends[1] >= 0)
             ::close(m_ends[1]);
         m_ends[1] = -1;
     }
