@@ -19,6 +19,7 @@
 #include <QStandardPaths>
 
 #include <array>
+#include <atomic>
 #include <limits>
 #include <optional>
 #include <thread>
@@ -124,13 +125,17 @@ logging::LineLedger resumedLedger(LogOwner& owner, FileStore& store, const std::
     return ledger;
 }
 
+std::atomic<bool> isInputUnreadable{false};
+
 /// Ends the program when nobody holds the other end of its input any more.
 void watchInput()
 {
     std::thread([] {
         std::array<char, 256> ignored;
-        while (platform::readInput(ignored.data(), ignored.size()) > 0) {
-        }
+        std::ptrdiff_t got = 1;
+        while (got > 0)
+            got = platform::readInput(ignored.data(), ignored.size());
+        isInputUnreadable = got < 0;
         platform::StopSignal::request();
     }).detach();
 }
@@ -188,8 +193,10 @@ int serve(CommandLine& line, LogOwner& owner, const Settings& settings,
     line.tell(QStringLiteral("ended; %1 lines written, %2 lost")
                   .arg(intake.linesTaken())
                   .arg(intake.linesLost()));
+    if (isInputUnreadable)
+        line.tell(QStringLiteral("ended, because standard input cannot be read"));
     if (isAllWritten)
-        return Success;
+        return isInputUnreadable ? Failure : Success;
     line.tell(QStringLiteral("%1 of lines could not be written; while a program takes part in "
                              "the log they wait for the next owner")
                   .arg(byteCountText(static_cast<std::int64_t>(owner.stagedBytes()))));

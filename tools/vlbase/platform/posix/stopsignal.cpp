@@ -63,7 +63,9 @@ StopSignal::StopSignal()
 StopSignal::~StopSignal()
 {
     for (const Wish& wish : wishes) {
-        if (wish.isOurs)
+        // A program that ends as it was told to must not get another end from being told again.
+        const bool mayComeAgain = isRequested && wish.signal != SIGINT;
+        if (wish.isOurs && !mayComeAgain)
             sigaction(wish.signal, &wish.before, nullptr);
     }
 }
