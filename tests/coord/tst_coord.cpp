@@ -148,6 +148,8 @@ private slots:
                 check({beside(3 * thirds(random), 180), beside(4 * quarters(random), 90)}, format);
             }
             check({10 + 15 * swedish(random), 54 + 16 * swedish(random)}, 5);
+            check({10 + 15 * swedish(random), coin(random) ? 54.0 : 70.0}, 5);
+            check({coin(random) ? 10.0 : 25.0, 54 + 16 * swedish(random)}, 5);
         }
         for (const double longitude : {-180.0, -90.0, -0.0, 0.0, 10.0, 25.0, 180.0}) {
             for (const double latitude : {-90.0, -80.0, -0.0, 0.0, 54.0, 70.0, 84.0, 90.0}) {

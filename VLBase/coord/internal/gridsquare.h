@@ -70,8 +70,12 @@ std::optional<GeoPoint> solve(const Forward& forward, GeoPoint start, GridPoint 
 /// The square as a polygon of positions; nothing when a corner cannot be found.
 template <class Forward>
 std::optional<std::vector<GeoPoint>> outline(const Forward& forward, GeoPoint start,
-                                             const GridSquare& square, double tolerance)
+                                             const GridSquare& square)
 {
+    // As near as doubles come: the last digit of a northing is 2e-9, and forward rounds a few
+    // times.
+    constexpr double tolerance = 2e-8;
+
     const GridPoint corners[] = {{square.west, square.south},
                                  {square.east, square.south},
                                  {square.east, square.north},
@@ -100,7 +104,7 @@ std::optional<GeoPoint> locate(const Forward& forward, const Accepts& accepts, G
     if (accepts(*position))
         return position;
 
-    const auto polygon = outline(forward, *position, square, tolerance / 1000);
+    const auto polygon = outline(forward, *position, square);
     if (!polygon)
         return std::nullopt;
     for (const GeoCell& cell : cells) {

@@ -2,6 +2,7 @@
 
 #include <VLBase/coord/internal/ellipsoidtable.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -27,8 +28,10 @@ char bandOf(double latitude)
         return 'X';
     if (!(latitude >= -80 && latitude < 72))
         return 'Z';
-    // A division by 8 is exact, so a latitude just below a border stays below it.
-    return "CDEFGHJKLMNPQRSTUVW"[static_cast<int>(std::floor(latitude / 8)) + 10];
+    // A division by 8 is exact, so a latitude just below a border stays below it; but for the
+    // smallest ones below the equator, which it would take to zero.
+    const int eighth = static_cast<int>(std::floor(latitude / 8));
+    return "CDEFGHJKLMNPQRSTUVW"[(latitude < 0 ? std::min(eighth, -1) : eighth) + 10];
 }
 
 std::vector<UtmSeries> makeSeries()
