@@ -4,7 +4,7 @@
 #include <VLBase/logging/logwriter.h>
 #include <VLBase/vlbase_export.h>
 
-/// Connects the error handler with the shared log.
+/// Connects the error handler with the shared log. Its thread matters as that of `CLogWriter` does.
 class VLBASE_EXPORT CLogTracer : public ILogTracer, public CLogWriter
 {
 public:

@@ -25,7 +25,8 @@ class ILogData;
 /// used up all the same.
 ///
 /// Sends of one object may run at the same time; setting names or the wait meanwhile is not
-/// safe.
+/// safe. A send asks VelaOS::Get() for the zone: where nobody has before, its thread becomes the
+/// application thread by that.
 class VLBASE_EXPORT CLogWriter : public CMMShared
 {
 public:

@@ -81,7 +81,7 @@ public:
     virtual QString GetIpAddressByNativeAddress(quint32 address) = 0;
 
     // Network adapters are counted from 0, all of them save loopback. The list is made by the first
-    // call and stays as it was; so do the texts.
+    // call that the system answers and stays as it was; so do the texts.
 
     /// The hardware address of adapter \a index, as in "00-1A-2B-3C-4D-5E". Empty past the last,
     /// and for one that has none.
@@ -91,7 +91,9 @@ public:
     /// Empty past the last.
     virtual const char* GetIpAddress(int index) = 0;
 
-    /// Whether the caller runs on the application thread: the one that made the service.
+    /// Whether the caller runs on the application thread: the one that made the service. That may
+    /// be any thread whose log line (`CLogWriter`) or ping (`PingThread`) came before the first
+    /// `VelaOS::Get()` of the program.
     virtual bool IsAppThread() = 0;
     virtual bool IsAppThreadOrNoAppThreadExists() = 0;
 
@@ -203,8 +205,8 @@ public:
     virtual bool StartHiddenLegacyProgram(const wchar_t* program, const wchar_t* arguments,
                                           int& processId) = 0;
 
-    /// Ends a process at once. False when there is none of that identifier, it may not be ended
-    /// by this user, or \a processId is not positive.
+    /// Ends a process at once. False when there is none of that identifier, it has ended already,
+    /// it may not be ended by this user, or \a processId is not positive.
     virtual bool TerminateHiddenLegacyProgram(int processId) = 0;
 
     /// Whether a process waits for input, or begins to within 50 ms; true also when it cannot be

@@ -59,6 +59,9 @@ public:
 ///
 /// SetAddress(), SetFrequency() and Stop() may be called at any time, from any thread. What they
 /// change counts from the next ping on; an interval also for the wait that is under way.
+///
+/// The thread asks VelaOS::Get() for its pings. Where nobody has before, it becomes the
+/// application thread by that.
 class VLBASE_EXPORT PingThread : public QThread
 {
     Q_OBJECT

@@ -11,7 +11,7 @@
 /// the system.
 ///
 /// The thread of the first Get() becomes the application thread, so applications call it first in
-/// their main thread:
+/// their main thread: the shared log and PingThread call it too, in whichever thread they run.
 ///
 ///     int main(int argc, char* argv[])
 ///     {

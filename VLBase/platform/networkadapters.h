@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,9 @@ struct NetworkAdapter
     std::string address;         ///< its first IPv4 address; "0.0.0.0" for one that has none
 };
 
-/// All adapters save loopback, in the system's order. None when the system does not tell.
-std::vector<NetworkAdapter> networkAdapters();
+/// All adapters save loopback, in the system's order. Nothing when the system does not tell, whose
+/// code says why.
+std::optional<std::vector<NetworkAdapter>> networkAdapters();
 
 /// Upper-case pairs of digits, joined by "-".
 std::string hardwareAddressText(const unsigned char* bytes, std::size_t size);

@@ -4,7 +4,8 @@ namespace vlbase::platform {
 
 // Identifiers of 0 and below name no process here.
 
-/// Ends a process at once, with exit code 0 where the caller may choose it.
+/// Ends a process at once, with exit code 0 where the caller may choose it. False for one that has
+/// ended already, even if the system still keeps its entry.
 bool terminateProcess(int processId);
 
 /// Whether a process has nothing to do: on Windows one that waits for its user's input, or begins

@@ -9,6 +9,11 @@
 #include <thread>
 #include <vector>
 
+#ifdef Q_OS_LINUX
+#include <cerrno>
+#include <sys/resource.h>
+#endif
+
 namespace {
 
 IVelaOS& os()
@@ -74,6 +79,17 @@ private slots:
 
     void adapters()
     {
+#ifdef Q_OS_LINUX
+        // Without a descriptor the system does not tell; asked again, it does.
+        rlimit before{};
+        QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
+        const rlimit none{0, before.rlim_max};
+        QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
+        const bool isTold = os().GetIpAddress(0)[0] != '\0';
+        const quint32 error = os().GetLastError();
+        QCOMPARE(setrlimit(RLIMIT_NOFILE, &before), 0);
+        QVERIFY(!isTold && error == EMFILE);
+#endif
         // The list is made by whoever comes first.
         std::vector<const char*> firsts(4);
         std::vector<std::thread> threads;

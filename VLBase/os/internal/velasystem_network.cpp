@@ -7,21 +7,37 @@
 #include <VLBase/platform/lasterror.h>
 #include <VLBase/platform/networkadapters.h>
 
+#include <mutex>
+#include <utility>
 #include <vector>
 
 namespace platform = vlbase::platform;
 
 namespace {
 
+/// Null as long as the system does not tell.
+const std::vector<platform::NetworkAdapter>* knownAdapters()
+{
+    static std::mutex& lock = *new std::mutex;
+    static const std::vector<platform::NetworkAdapter>* known = nullptr;
+    const std::lock_guard<std::mutex> guard(lock);
+    if (known == nullptr) {
+        // Never destroyed, because static destructors may still ask, and callers keep the texts.
+        if (auto read = platform::networkAdapters())
+            known = new std::vector<platform::NetworkAdapter>(*std::move(read));
+    }
+    return known;
+}
+
 const platform::NetworkAdapter& adapterAt(int index)
 {
-    // Never destroyed, because static destructors may still ask, and callers keep the texts.
-    static const auto& adapters =
-        *new std::vector<platform::NetworkAdapter>(platform::networkAdapters());
     static const auto& none = *new platform::NetworkAdapter;
+    const auto* adapters = knownAdapters();
+    if (adapters == nullptr)
+        return none;
     const auto position = static_cast<std::size_t>(index);
-    if (index >= 0 && position < adapters.size())
-        return adapters[position];
+    if (index >= 0 && position < adapters->size())
+        return (*adapters)[position];
     platform::setLastError(platform::Fault::NotFound);
     return none;
 }

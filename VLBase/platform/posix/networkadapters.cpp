@@ -51,12 +51,12 @@ std::string addressOf(const ifaddrs& entry)
 } // namespace
 
 /// The system lists all adapters first, each with its hardware address, and then their addresses.
-std::vector<NetworkAdapter> networkAdapters()
+std::optional<std::vector<NetworkAdapter>> networkAdapters()
 {
     ifaddrs* first = nullptr;
     if (::getifaddrs(&first) != 0) {
         setLastError(static_cast<std::uint32_t>(errno));
-        return {};
+        return std::nullopt;
     }
     const std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)> list(first, &::freeifaddrs);
 

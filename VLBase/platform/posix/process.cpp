@@ -19,11 +19,12 @@ namespace {
 
 struct Activity
 {
+    bool hasEnded = false; // and stays until its parent has asked how
     bool isAsleep = false;
     unsigned long long ticks = 0; // processor time of all threads, in 1/100 s
 };
 
-/// None for a process that has ended or cannot be looked at.
+/// None for a process that is gone or cannot be looked at.
 std::optional<Activity> activityOf(int processId)
 {
     std::ifstream file("/proc/" + std::to_string(processId) + "/stat");
@@ -42,9 +43,15 @@ std::optional<Activity> activityOf(int processId)
     unsigned long long inProgram = 0;
     unsigned long long inKernel = 0;
     fields >> inProgram >> inKernel;
-    if (!fields || state == 'Z' || state == 'X')
+    for (int i = 0; i < 4; ++i)
+        fields >> skipped;
+    int threads = 0;
+    fields >> threads;
+    if (!fields)
         return std::nullopt;
-    return Activity{state == 'S', inProgram + inKernel};
+    // The state is that of the first thread, which may end before others.
+    const bool hasEnded = (state == 'Z' || state == 'X') && threads <= 1;
+    return Activity{hasEnded, state == 'S', inProgram + inKernel};
 }
 
 /// Linux has a priority for each thread, which new ones inherit.
@@ -72,6 +79,10 @@ bool terminateProcess(int processId)
         setLastError(ESRCH);
         return false;
     }
+    if (const auto activity = activityOf(processId); activity && activity->hasEnded) {
+        setLastError(ESRCH);
+        return false;
+    }
     if (::kill(processId, SIGKILL) == 0)
         return true;
     setLastError(static_cast<std::uint32_t>(errno));
@@ -94,8 +105,9 @@ bool isProcessIdle(int processId)
         std::this_thread::sleep_for(step);
         now = activityOf(processId);
     }
-    setLastError(static_cast<std::uint32_t>(now ? EBUSY : ESRCH));
-    return !now;
+    const bool isGone = !now || now->hasEnded;
+    setLastError(static_cast<std::uint32_t>(isGone ? ESRCH : EBUSY));
+    return isGone;
 }
 
 bool raisePriority()

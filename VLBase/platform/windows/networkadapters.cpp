@@ -17,7 +17,7 @@ namespace {
 /// The list is one block, whose entries point at each other.
 using Block = std::vector<IP_ADAPTER_INFO>;
 
-Block adapterTable()
+std::optional<Block> adapterTable()
 {
     ULONG size = sizeof(IP_ADAPTER_INFO);
     // It may grow between two calls.
@@ -27,20 +27,24 @@ Block adapterTable()
         const ULONG code = ::GetAdaptersInfo(table.data(), &size);
         if (code == ERROR_SUCCESS)
             return table;
+        if (code == ERROR_NO_DATA)
+            return Block();
         setLastError(code);
         if (code != ERROR_BUFFER_OVERFLOW)
             break;
     }
-    return {};
+    return std::nullopt;
 }
 
 } // namespace
 
-std::vector<NetworkAdapter> networkAdapters()
+std::optional<std::vector<NetworkAdapter>> networkAdapters()
 {
-    const Block table = adapterTable();
+    const std::optional<Block> table = adapterTable();
+    if (!table)
+        return std::nullopt;
     std::vector<NetworkAdapter> adapters;
-    for (const IP_ADAPTER_INFO* entry = table.data(); entry != nullptr; entry = entry->Next) {
+    for (const IP_ADAPTER_INFO* entry = table->data(); entry != nullptr; entry = entry->Next) {
         if (entry->Type == MIB_IF_TYPE_LOOPBACK)
             continue;
         const UINT length = std::min<UINT>(entry->AddressLength, MAX_ADAPTER_ADDRESS_LENGTH);
