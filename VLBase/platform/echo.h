@@ -50,8 +50,10 @@ struct EchoAnswer
     EchoStatus status = EchoStatus::GeneralFailure;
     /// On Linux 1 on success. On Windows what routers answer instead of the host counts too.
     std::uint32_t replies = 0;
-    std::chrono::microseconds roundTrip{0}; ///< whole milliseconds on Windows
-    std::uint8_t timeToLive = 0;            ///< 0 for IPv6
+    /// From the sending to the reply's arrival, not to when it was read. Whole milliseconds on
+    /// Windows.
+    std::chrono::microseconds roundTrip{0};
+    std::uint8_t timeToLive = 0; ///< 0 for IPv6
     bool isAbandoned = false;
 };
 

@@ -5,6 +5,7 @@
 
 #include <VLBase/os/pingthread.h>
 #include <VLBase/os/velaos.h>
+#include <VLBase/platform/echo.h>
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -102,6 +103,23 @@ private slots:
                     os().SetLastError(0);
                 }
             }
+        }
+    }
+
+    // The reply comes after 60 ms, and is read when the noise before it has been slept over.
+    void timeOfArrival()
+    {
+        using namespace std::chrono_literals;
+        for (const bool datagrams : {true, false}) {
+            QVERIFY(useDatagrams(datagrams));
+            vlbase::platform::EchoRequest request;
+            request.address = "10.77.0.2";
+            request.size = 1;
+            request.limit = 10s;
+            request.isAbandoned = [] { return QTest::qSleep(400), false; };
+            const auto answer = vlbase::platform::sendEcho(request);
+            QCOMPARE(answer.replies, 1U);
+            QVERIFY(answer.roundTrip >= 60ms && answer.roundTrip < 300ms);
         }
     }
 

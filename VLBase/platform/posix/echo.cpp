@@ -46,14 +46,13 @@ EchoAnswer failed(EchoStatus status)
     return answer;
 }
 
-/// Waits for news about a request that was sent at `sent`. What is there once the time is over
-/// still counts, but whatever arrives does not lengthen it.
-EchoAnswer await(EchoSocket& socket, const IcmpMessage& message, const EchoRequest& request,
-                 Clock::time_point sent)
+/// Waits for news about a request that was sent. What is there once the time is over still counts,
+/// but whatever arrives does not lengthen it.
+EchoAnswer await(EchoSocket& socket, const IcmpMessage& message, const EchoRequest& request)
 {
     using namespace std::chrono_literals;
     constexpr std::chrono::nanoseconds turn = 100ms; // in which somebody is asked for an abandon
-    const auto deadline = sent + std::max(request.limit, 0ms);
+    const auto deadline = socket.sent() + std::max(request.limit, 0ms);
     EchoAnswer answer;
     for (;;) {
         const auto left = std::max<std::chrono::nanoseconds>(deadline - Clock::now(), 0ns);
@@ -65,7 +64,7 @@ EchoAnswer await(EchoSocket& socket, const IcmpMessage& message, const EchoReque
                 answer.replies = 1;
                 answer.timeToLive = request.version == IpVersion::V4 ? news->timeToLive : 0;
                 answer.roundTrip =
-                    std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - sent);
+                    std::chrono::duration_cast<std::chrono::microseconds>(socket.roundTrip());
             }
             return answer;
         }
@@ -91,10 +90,9 @@ EchoAnswer sendEcho(const EchoRequest& request)
     if (const auto fault = socket.fault())
         return failed(*fault);
     IcmpMessage message = newMessage(request);
-    const auto sent = Clock::now();
     if (const auto fault = socket.send(message, address->ai_addr, address->ai_addrlen))
         return failed(*fault);
-    return await(socket, message, request, sent);
+    return await(socket, message, request);
 }
 
 } // namespace vlbase::platform

@@ -144,6 +144,7 @@ EchoSocket::EchoSocket(IpVersion version)
         fail(errno);
         return;
     }
+    setOption(m_socket, SOL_SOCKET, SO_TIMESTAMPNS, int{1});
     if (m_isRaw)
         prepareRaw();
     else
@@ -221,18 +222,27 @@ std::optional<EchoStatus> EchoSocket::send(IcmpMessage& message, const sockaddr*
 {
     if (m_isRaw)
         letOnlyRepliesTo(message);
+    else
+        takeId(message);
     const auto& bytes = message.bytes();
+    m_buffer.resize(bytes.size() + headerRoom);
+    m_sent = std::chrono::steady_clock::now();
+    m_sentByStampClock = std::chrono::system_clock::now();
     if (::sendto(m_socket, bytes.data(), bytes.size(), MSG_DONTWAIT, address, addressSize) < 0)
         return statusOfError(errno);
-    m_buffer.resize(bytes.size() + headerRoom);
-    if (!m_isRaw) {
-        // The id is the socket's port, which both kinds of address have at the same place.
-        sockaddr_in6 own{};
-        socklen_t size = sizeof own;
-        if (::getsockname(m_socket, reinterpret_cast<sockaddr*>(&own), &size) == 0)
-            message.setId(ntohs(own.sin6_port));
-    }
     return std::nullopt;
+}
+
+/// The id of what a datagram socket sends is its port, which both kinds of address have at the
+/// same place. Bound here, because the time of the first send would be longer by it.
+void EchoSocket::takeId(IcmpMessage& message) const
+{
+    sockaddr_in6 own{};
+    own.sin6_family = m_version == IpVersion::V4 ? AF_INET : AF_INET6;
+    socklen_t size = m_version == IpVersion::V4 ? sizeof(sockaddr_in) : sizeof own;
+    auto* address = reinterpret_cast<sockaddr*>(&own);
+    if (::bind(m_socket, address, size) == 0 && ::getsockname(m_socket, address, &size) == 0)
+        message.setId(ntohs(own.sin6_port));
 }
 
 bool EchoSocket::wait(std::chrono::nanoseconds time) const
@@ -269,6 +279,16 @@ std::optional<IcmpMessage::News> EchoSocket::receiveReply(const IcmpMessage& req
     }
     if ((received.header.msg_flags & MSG_TRUNC) != 0)
         return std::nullopt;
+    m_roundTrip = std::chrono::steady_clock::now() - m_sent;
+    if (const cmsghdr* part = received.find(SOL_SOCKET, SCM_TIMESTAMPNS)) {
+        const auto stamp = valueOf<timespec>(*part);
+        const auto byStamp = std::chrono::seconds(stamp.tv_sec) +
+                             std::chrono::nanoseconds(stamp.tv_nsec) -
+                             m_sentByStampClock.time_since_epoch();
+        // Unless that clock was set meanwhile.
+        if (byStamp >= std::chrono::nanoseconds(0) && byStamp < m_roundTrip)
+            m_roundTrip = byStamp;
+    }
     const bool hasHeader = m_isRaw && m_version == IpVersion::V4;
     auto news =
         request.read(m_buffer.data(), static_cast<std::size_t>(received.size),

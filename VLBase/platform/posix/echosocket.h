@@ -30,6 +30,9 @@ public:
     std::optional<EchoStatus> send(IcmpMessage& message, const sockaddr* address,
                                    unsigned addressSize);
 
+    /// When that was.
+    std::chrono::steady_clock::time_point sent() const { return m_sent; }
+
     /// Waits until there is something to receive; also comes back early without.
     /// \return whether there is.
     bool wait(std::chrono::nanoseconds time) const;
@@ -37,9 +40,13 @@ public:
     /// Takes one packet. None when it was not about the request.
     std::optional<IcmpMessage::News> receive(const IcmpMessage& request);
 
+    /// From the sending to the arrival of the packet received last, however late it was taken.
+    std::chrono::nanoseconds roundTrip() const { return m_roundTrip; }
+
 private:
     void prepareDatagrams() const;
     void prepareRaw() const;
+    void takeId(IcmpMessage& message) const;
     void letOnlyRepliesTo(const IcmpMessage& message) const;
     std::optional<IcmpMessage::News> receiveReply(const IcmpMessage& request);
     std::optional<IcmpMessage::News> receiveError(const IcmpMessage& request);
@@ -49,6 +56,9 @@ private:
     int m_socket = -1;
     std::optional<EchoStatus> m_fault;
     std::vector<unsigned char> m_buffer;
+    std::chrono::steady_clock::time_point m_sent;
+    std::chrono::system_clock::time_point m_sentByStampClock;
+    std::chrono::nanoseconds m_roundTrip{0};
 };
 
 } // namespace vlbase::platform
