@@ -66,9 +66,9 @@ void writeTexts(const Input& input)
         if (text.startsWith(u'#'))
             continue;
         require(position.IsValid());
-        Coord read(77, 77);
+        Coord read(1000, 1000); // which no text names
         read.SetText(text, format);
-        require(read.IsValid() && read != Coord(77, 77));
+        require(read.IsValid());
         require(read.GetText(format) == text);
     }
 }
