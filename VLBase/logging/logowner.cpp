@@ -102,6 +102,7 @@ void LogOwner::useStaging()
         shared->discardIfDamaged();
         shared->finishMove(attachment.image());
         attachment.unlock();
+        m_state->privateStaging.reset();
         m_state->staging = shared;
         return;
     }
@@ -183,6 +184,11 @@ std::size_t LogOwner::stagedBytes() const
 std::size_t LogOwner::stagingCapacity() const
 {
     return m_state ? m_state->staging->size() : 0;
+}
+
+bool LogOwner::isStagingShared() const
+{
+    return m_state && !m_state->privateStaging;
 }
 
 LineLedger LogOwner::makeLedger() const

@@ -48,7 +48,8 @@ public:
     static constexpr int defaultReserveBytes = 32 * 1024 * 1024;
 
     /// Opens the log. \a bufferSize is for a new one, in bytes of each half; \a reserveBytes is
-    /// the staging area's size, at least twice the half's.
+    /// the staging area's size, at least twice the half's; a smaller one is made where the shared
+    /// memory has no room.
     explicit LogOwner(int bufferSize, int reserveBytes = defaultReserveBytes);
     ~LogOwner() override;
     LogOwner(const LogOwner&) = delete;
@@ -93,6 +94,10 @@ public:
     /// All that `pending` will yet give, and the room there is.
     std::size_t stagedBytes() const;
     std::size_t stagingCapacity() const;
+
+    /// Whether drained lines outlive a killed owner. False where the shared memory had no room
+    /// for a staging area of twice the half: they then wait in this process's own memory.
+    bool isStagingShared() const;
 
     /// A ledger that knows this log's seals; not to be used after the owner is gone.
     LineLedger makeLedger() const;

@@ -63,15 +63,16 @@ void LogAttachment::ensureReserve(int reserveBytes)
 {
     if (m_reserve || m_reserveMapping.isOpen())
         return;
-    const auto staging = static_cast<std::size_t>(std::max(reserveBytes, 0));
     const std::string name = objectName(reserveObject);
-    for (const std::size_t bytes : {staging, std::size_t(0)}) {
-        if (!m_reserveMapping.create(name, LogReserve::sizeFor(bytes)))
-            continue;
-        LogReserve::format(m_reserveMapping.data(), bytes, m_image);
-        m_reserve.emplace(m_reserveMapping.data(), m_reserveMapping.size(), m_image);
-        return;
+    const std::size_t least = 2 * static_cast<std::size_t>(m_image.bufferSize());
+    std::size_t bytes = static_cast<std::size_t>(std::max(reserveBytes, 0));
+    while (!m_reserveMapping.create(name, LogReserve::sizeFor(bytes))) {
+        if (bytes == 0)
+            return;
+        bytes = bytes > least ? std::max(bytes / 2, least) : 0;
     }
+    LogReserve::format(m_reserveMapping.data(), bytes, m_image);
+    m_reserve.emplace(m_reserveMapping.data(), m_reserveMapping.size(), m_image);
 }
 
 LogStaging* LogAttachment::sharedStaging()

@@ -26,7 +26,8 @@ public:
 
     static std::shared_ptr<LogAttachment> create(int bufferSize);
 
-    /// Makes the reserve, unless one of sufficient size is there.
+    /// Makes the reserve, unless there is one. Where the memory has no room for a staging ring of
+    /// \a reserveBytes, a smaller one is made, and none when not even two drains would fit.
     void ensureReserve(int reserveBytes);
 
     LogImage& image() { return m_image; }

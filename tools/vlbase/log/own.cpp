@@ -140,6 +140,20 @@ void watchInput()
     }).detach();
 }
 
+void tellReserve(const CommandLine& line, const LogOwner& owner, const Settings& settings)
+{
+    const auto capacity = static_cast<std::int64_t>(owner.stagingCapacity());
+    if (!owner.isStagingShared())
+        line.tell(QStringLiteral("the shared memory has no room for a reserve: lines that wait for "
+                                 "the disk are lost when this program is killed, and there is room "
+                                 "for %1 of them only")
+                      .arg(byteCountText(capacity)));
+    else if (capacity < settings.reserveBytes)
+        line.tell(QStringLiteral("the reserve is %1 instead of %2: the disk may be full or slow "
+                                 "for a shorter time before lines are lost")
+                      .arg(byteCountText(capacity), byteCountText(settings.reserveBytes)));
+}
+
 void tellStart(const CommandLine& line, const LogOwner& owner, const Settings& settings)
 {
     QString text = QStringLiteral("writing to %1").arg(QDir::toNativeSeparators(settings.file));
@@ -150,6 +164,7 @@ void tellStart(const CommandLine& line, const LogOwner& owner, const Settings& s
                 QStringLiteral(" (its buffer stays at %1)").arg(byteCountText(owner.bufferSize()));
     }
     line.tell(text);
+    tellReserve(line, owner, settings);
 }
 
 /// That it cannot be made shows when the file is opened.

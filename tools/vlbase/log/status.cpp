@@ -50,6 +50,15 @@ QString logName()
                                    : QStringLiteral("instance '%1'").arg(logInstance());
 }
 
+QString reserveText(const LogStatus& status)
+{
+    if (status.reserveBytes == 0)
+        return QStringLiteral("none; lines that wait for the disk are lost with a killed owner");
+    return QStringLiteral("%1 of %2 wait for the disk")
+        .arg(byteCountText(static_cast<std::int64_t>(status.stagedBytes)),
+             byteCountText(static_cast<std::int64_t>(status.reserveBytes)));
+}
+
 QString asText(const LogStatus& status)
 {
     QString text = row(QStringLiteral("log"), logName());
@@ -64,13 +73,9 @@ QString asText(const LogStatus& status)
                     .arg(status.viewerAlive ? QStringLiteral(", live view open") : QString()));
     text += row(QStringLiteral("for the file"), fillText(status.fill[1], status.bufferSize));
     text += row(QStringLiteral("for viewers"), fillText(status.fill[0], status.bufferSize));
-    if (status.hasReserve) {
-        text += row(QStringLiteral("reserve"),
-                    QStringLiteral("%1 of %2 wait for the disk")
-                        .arg(byteCountText(static_cast<std::int64_t>(status.stagedBytes)),
-                             byteCountText(static_cast<std::int64_t>(status.reserveBytes))));
+    text += row(QStringLiteral("reserve"), reserveText(status));
+    if (status.hasReserve)
         text += row(QStringLiteral("lines so far"), QString::number(status.linesNumbered));
-    }
     text += row(QStringLiteral("next number"), QString::number(status.nextIndex));
     text += row(QStringLiteral("data blocks"), yesNo(status.acceptsDataBlocks));
     return text;
@@ -83,6 +88,8 @@ QString asJson(const LogStatus& status)
     object[QStringLiteral("instance")] = logInstance();
     object[QStringLiteral("present")] = isPresent;
     object[QStringLiteral("owner")] = status.hasOwner();
+    if (status.presence == LogStatus::Presence::Refused)
+        object[QStringLiteral("reason")] = QString::fromStdString(status.reason);
     if (isPresent) {
         object[QStringLiteral("ownerAlive")] = status.ownerAlive;
         object[QStringLiteral("file")] = QString::fromStdString(status.fileName);
@@ -93,6 +100,7 @@ QString asJson(const LogStatus& status)
         object[QStringLiteral("bufferSize")] = status.bufferSize;
         object[QStringLiteral("fillForFile")] = status.fill[1];
         object[QStringLiteral("fillForViewers")] = status.fill[0];
+        object[QStringLiteral("hasReserve")] = status.reserveBytes > 0;
         object[QStringLiteral("reserveBytes")] = static_cast<qint64>(status.reserveBytes);
         object[QStringLiteral("stagedBytes")] = static_cast<qint64>(status.stagedBytes);
         object[QStringLiteral("linesNumbered")] = static_cast<qint64>(status.linesNumbered);
