@@ -102,7 +102,6 @@ void LogOwner::useStaging()
         shared->discardIfDamaged();
         shared->finishMove(attachment.image());
         attachment.unlock();
-        m_state->privateStaging.reset();
         m_state->staging = shared;
         return;
     }

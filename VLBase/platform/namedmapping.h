@@ -33,7 +33,7 @@ public:
     Opened open(const std::string& name, Access access = Access::ReadWrite);
 
     /// Makes and maps memory of \a size bytes, all of it backed; false when the name is in use
-    /// or there is no room.
+    /// or there is no room, and `lastError` tells why.
     bool create(const std::string& name, std::size_t size);
 
     void close();

@@ -22,6 +22,8 @@
 
 #ifdef Q_OS_LINUX
 #include <csignal>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #endif
@@ -139,6 +141,7 @@ private slots:
     void viewerOutlivesOwners();
     void tooLongLines();
     void statuses();
+    void littleSharedMemory();
     void signalsEndOwnerAndViewer();
 
 private:
@@ -439,6 +442,41 @@ void LogVerbsTest::statuses()
     QCOMPARE(owner.finish(), 0);
     QVERIFY(content(file()).startsWith("milk, bread\n------\t"));
     QVERIFY(content(file()).contains("\ta b\tEvent\tx\t"));
+}
+
+/// Each owner has a view of the file system of its own, with a shared memory as containers have.
+void LogVerbsTest::littleSharedMemory()
+{
+#ifdef Q_OS_LINUX
+    struct Case
+    {
+        const char* mount;
+        const char* says;
+    };
+    for (const Case& memory : {Case{"size=16m", "the reserve is 4 MiB instead of 32 MiB"},
+                               {"size=11m", "no room for a reserve"},
+                               {"size=64k", "cannot be opened: No space left on device (it needs "
+                                            "2 MiB of shared memory, of 64 KiB there are"},
+                               {"ro", "cannot be opened: Read-only file system"}}) {
+        m_verbs.push_back(std::make_unique<Verb>(
+            m_instance, QStringList{QStringLiteral("own"), QStringLiteral("--file"), file()}));
+        Verb& owner = *m_verbs.back();
+        owner.process().setChildProcessModifier([options = memory.mount] {
+            const unsigned long flags = *options == 'r' ? MS_RDONLY : 0;
+            if (unshare(CLONE_NEWNS) != 0 ||
+                mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                mount("tmpfs", "/dev/shm", "tmpfs", flags, flags ? nullptr : options) != 0)
+                _exit(77);
+        });
+        owner.start();
+        const bool isTold = owner.says(memory.says);
+        if (owner.process().exitCode() == 77)
+            QSKIP("only root may mount");
+        QVERIFY2(isTold, owner.errors().constData());
+    }
+#else
+    QSKIP("shared memory has no size of its own here");
+#endif
 }
 
 void LogVerbsTest::signalsEndOwnerAndViewer()

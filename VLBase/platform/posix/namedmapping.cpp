@@ -1,7 +1,9 @@
 #include "sharedfile.h"
 
+#include <VLBase/platform/lasterror.h>
 #include <VLBase/platform/namedmapping.h>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <utility>
@@ -98,10 +100,11 @@ bool NamedMapping::create(const std::string& name, std::size_t size)
     if (file.create(name) != SharedFile::Opened::Done)
         return false;
     // Memory that is only promised would end the process that touches it when there is none.
-    const bool backed = posix_fallocate(file.descriptor(), 0, static_cast<off_t>(size)) == 0 &&
-                        file.tryLock(SharedFile::LockType::Shared);
+    const int error = posix_fallocate(file.descriptor(), 0, static_cast<off_t>(size));
+    const bool backed = error == 0 && file.tryLock(SharedFile::LockType::Shared);
     std::byte* const data = backed ? mapWhole(file, size, PROT_READ | PROT_WRITE) : nullptr;
     if (!data) {
+        setLastError(static_cast<std::uint32_t>(error != 0 ? error : errno));
         file.unlink();
         return false;
     }

@@ -1,5 +1,6 @@
 #include "sharedfile.h"
 
+#include <VLBase/platform/lasterror.h>
 #include <VLBase/platform/openinglock.h>
 
 #include <algorithm>
@@ -25,8 +26,10 @@ OpeningLock::OpeningLock(const std::string& name, std::chrono::milliseconds time
         const SharedFile::Opened claimed = file.claim(name);
         if (claimed == SharedFile::Opened::Done)
             break;
-        if (claimed == SharedFile::Opened::Refused || steady_clock::now() >= end)
+        if (claimed == SharedFile::Opened::Refused)
             return;
+        if (steady_clock::now() >= end)
+            return setLastError(Fault::NoAnswer);
         std::this_thread::sleep_for(pause);
         pause = std::min(pause * 2, microseconds(1000));
     }

@@ -2,6 +2,8 @@
 
 #include "descriptor.h"
 
+#include <VLBase/platform/lasterror.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -22,6 +24,12 @@ constexpr mode_t ownerOnly = 0600;
 std::string pathOf(const std::string& name)
 {
     return "/" + name + "." + std::to_string(geteuid());
+}
+
+SharedFile::Opened refused(int error)
+{
+    setLastError(static_cast<std::uint32_t>(error));
+    return SharedFile::Opened::Refused;
 }
 
 struct flock wholeFile(short type)
@@ -106,10 +114,10 @@ SharedFile::Opened SharedFile::open(const std::string& name, bool readOnly)
     m_descriptor = behindStandardStreams(
         shm_open(m_path.c_str(), access | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0));
     if (m_descriptor < 0)
-        return errno == ENOENT ? Opened::Absent : Opened::Refused;
+        return errno == ENOENT ? Opened::Absent : refused(errno);
     if (!isOurs()) {
         close();
-        return Opened::Refused;
+        return refused(EPERM);
     }
     return Opened::Done;
 }
@@ -122,7 +130,7 @@ SharedFile::Opened SharedFile::create(const std::string& name)
     m_descriptor = behindStandardStreams(
         shm_open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, ownerOnly));
     if (m_descriptor < 0)
-        return Opened::Refused;
+        return refused(errno);
     fchmod(m_descriptor, ownerOnly); // whatever the umask took away
     return Opened::Done;
 }

@@ -12,11 +12,13 @@
 
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logowner.h>
+#include <VLBase/os/velaos.h>
 
 #include <QDir>
 #include <QFileInfo>
 #include <QHostInfo>
 #include <QStandardPaths>
+#include <QStorageInfo>
 
 #include <array>
 #include <atomic>
@@ -218,6 +220,24 @@ int serve(CommandLine& line, LogOwner& owner, const Settings& settings,
     return Failure;
 }
 
+/// Why the log could not be opened just now.
+QString failureText(const Settings& settings)
+{
+    const int code = static_cast<int>(VelaOS::Get().GetLastError());
+    const std::string defect = logging::peekLog().reason;
+    if (!defect.empty())
+        return QString::fromStdString(defect);
+    QString text = QStringLiteral("%1 (it needs %2 of shared memory")
+                       .arg(qt_error_string(code),
+                            byteCountText(2 * static_cast<std::int64_t>(settings.bufferBytes)));
+    const QStorageInfo memory(QStringLiteral("/dev/shm")); // not valid where memory is no file
+    if (memory.isValid())
+        text +=
+            QStringLiteral(", of %1 there are %2 free")
+                .arg(byteCountText(memory.bytesTotal()), byteCountText(memory.bytesAvailable()));
+    return text + u')';
+}
+
 int run(CommandLine& line)
 {
     selectInstance(line);
@@ -239,9 +259,7 @@ int run(CommandLine& line)
     case LogOwner::OpenResult::Failed:
         break;
     }
-    const QString reason = QString::fromStdString(logging::peekLog().reason);
-    line.tell(QStringLiteral("the shared log cannot be opened%1")
-                  .arg(reason.isEmpty() ? QString() : QStringLiteral(": ") + reason));
+    line.tell(QStringLiteral("the shared log cannot be opened: %1").arg(failureText(settings)));
     return Failure;
 }
 
