@@ -14,6 +14,7 @@ namespace Vela {
 
 namespace {
 
+using vlbase::basetypes::Delimiter;
 using vlbase::basetypes::takeToken;
 
 constexpr unsigned int assertionBit = 2;
@@ -71,7 +72,7 @@ QString Tokenizer::operator()(const wchar_t* delimiters)
 QString Tokenizer::operator()(const QString& delimiters)
 {
     const auto* begin = reinterpret_cast<const char16_t*>(delimiters.constData());
-    const auto* end = std::find(begin, begin + delimiters.size(), u'\0');
+    const auto* end = Delimiter<char16_t>(u'\0').find(begin, begin + delimiters.size());
     return next(QStringView(begin, end));
 }
 
