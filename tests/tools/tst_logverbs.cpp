@@ -454,12 +454,13 @@ void LogVerbsTest::littleSharedMemory()
         const char* says;
     };
     for (const Case& memory : {Case{"size=16m", "the reserve is 4 MiB instead of 32 MiB"},
-                               {"size=11m", "no room for a reserve"},
+                               {"size=8m", "no room for a reserve"},
                                {"size=64k", "cannot be opened: No space left on device (it needs "
                                             "2 MiB of shared memory, of 64 KiB there are"},
                                {"ro", "cannot be opened: Read-only file system"}}) {
         m_verbs.push_back(std::make_unique<Verb>(
-            m_instance, QStringList{QStringLiteral("own"), QStringLiteral("--file"), file()}));
+            m_instance, QStringList{QStringLiteral("own"), QStringLiteral("--file"),
+                                    file() + QString::number(m_verbs.size())}));
         Verb& owner = *m_verbs.back();
         owner.process().setChildProcessModifier([options = memory.mount] {
             const unsigned long flags = *options == 'r' ? MS_RDONLY : 0;

@@ -28,8 +28,10 @@ OpeningLock::OpeningLock(const std::string& name, std::chrono::milliseconds time
             break;
         if (claimed == SharedFile::Opened::Refused)
             return;
-        if (steady_clock::now() >= end)
-            return setLastError(Fault::NoAnswer);
+        if (steady_clock::now() >= end) {
+            setLastError(Fault::NoAnswer);
+            return;
+        }
         std::this_thread::sleep_for(pause);
         pause = std::min(pause * 2, microseconds(1000));
     }
