@@ -2,15 +2,15 @@
 
 #include "goals.h"
 
-#include <VLBase/logging/internal/linehash.h>
-
 #include <benchmark/benchmark.h>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <pthread.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -41,7 +41,7 @@ public:
     void add(const std::string& line)
     {
         pthread_mutex_lock(&m_mutex);
-        benchmark::DoNotOptimize(vlbase::logging::lineHash(line));
+        benchmark::DoNotOptimize(std::hash<std::string_view>()(line));
         for (std::vector<char>& half : m_halves)
             std::memcpy(half.data() + m_fill, line.c_str(), line.size() + 1);
         m_fill += line.size() + 1;
