@@ -128,12 +128,12 @@ private:
             m_variant = value;
         }
 
-        int compared(const Cell& other, Qt::SortOrder order, const TextOrder& texts) const
+        int compared(const Cell& other, Qt::SortOrder order, const TextOrder& textOrder) const
         {
             if (m_value.isEmpty() || other.m_value.isEmpty())
                 return int(m_value.isEmpty()) - int(other.m_value.isEmpty());
             const int result = m_compare ? (*m_compare)(m_variant, other.m_variant)
-                                         : m_value.compare(other.m_value, texts);
+                                         : m_value.compare(other.m_value, textOrder);
             return order == Qt::AscendingOrder ? result : (result < 0) - (result > 0);
         }
 
