@@ -104,6 +104,6 @@ int main()
     for (const Row& row : rows)
         std::printf("| %-20s | %-22s |\n", row.name, row.series.text(1).c_str());
     const bench::Series besideFping = bench::ratio(rows[0].series, rows[1].series);
-    std::printf("| %-20s | %-22s |\n", "ratio of round trips", besideFping.text(2).c_str());
+    std::printf("| %-20s | %-22s |\n", "ratio, at most 1.5", besideFping.text(2).c_str());
     return 0;
 }
