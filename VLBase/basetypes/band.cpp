@@ -1,10 +1,31 @@
 #include "band.h"
 
 #include <VLBase/basetypes/internal/channelmath.h>
+#include <VLBase/basetypes/internal/xmltext.h>
+#include <VLBase/errorhandling/errorhandler.h>
+#include <VLBase/errorhandling/quality.h>
+
+#include <QDomDocument>
+#include <QDomElement>
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
+
+namespace {
+
+constexpr unsigned traceMask = 0x20;
+
+// What is known of this place in the logs of the family.
+constexpr unsigned short traceLine = 321;
+
+void trace(const QString& text, unsigned short line)
+{
+    if (ErrorHandler::Instance().GetMessageMask() & traceMask)
+        _Q_Trace(text, QStringLiteral("basetypes/band"), line);
+}
+
+} // namespace
 
 Band::Band()
     : Band(QLatin1String(""), vlbase::defaultSpacing, 0.0, true)
@@ -119,4 +140,64 @@ double Band::stepCursor(bool up, bool& canGoUp, bool& canGoDown, double lowLimit
     canGoUp = m_channelValue < static_cast<quint32>(last);
     canGoDown = m_channelValue > static_cast<quint32>(first);
     return GetFrequency(m_channelValue, 0.0);
+}
+
+void Band::Save(QDomDocument& doc, QDomElement& parent) const
+{
+    if (!vlbase::basetypes::comesBack(m_name)) {
+        trace(QStringLiteral("a band's name cannot be written as XML."), __LINE__);
+        return;
+    }
+    const auto append = [&](const char* tag, const QString& text) {
+        vlbase::basetypes::appendText(doc, parent, QLatin1String(tag), text);
+    };
+    append("Name", m_name);
+    if (m_system)
+        return;
+    append("Channelspacing", QStringLiteral("%1").arg(m_stepWidth, 0, 'g', 20, QLatin1Char(' ')));
+    if (GetGSM()) {
+        append("Type", QStringLiteral("GSM"));
+        append("StartChannel", QString::number(m_startChannel));
+        append("StopChannel", QString::number(m_stopChannel));
+        append("StartFrequency", QStringLiteral("%1").arg(m_startFreq, 0, 'f', -1));
+    } else {
+        append("Type", QStringLiteral("Simple"));
+        append("Offset", QStringLiteral("%1").arg(m_offset, 0, 'g', -1));
+        append("UseRaster", m_useRaster ? QStringLiteral("1") : QStringLiteral("0"));
+    }
+}
+
+void Band::Read(QDomDocument&, QDomElement& element)
+{
+    for (QDomNode node = element.firstChild(); !node.isNull(); node = node.nextSibling()) {
+        const QDomElement child = node.toElement();
+        if (child.isNull()) {
+            trace(QStringLiteral("error loading job."), traceLine);
+            return;
+        }
+        readField(child.tagName(), vlbase::basetypes::textOf(child));
+    }
+}
+
+void Band::readField(const QString& tag, const QString& text)
+{
+    if (tag == QLatin1String("Name")) {
+        m_name = text;
+    } else if (tag == QLatin1String("Channelspacing")) {
+        m_stepWidth = text.toDouble();
+        ensureStepWidth();
+    } else if (tag == QLatin1String("Type")) {
+        m_type = text == QLatin1String("Simple") ? BandTypeSimple : BandTypeGSM;
+    } else if (tag == QLatin1String("StartChannel")) {
+        m_startChannel = text.toUInt();
+        m_factor = m_startChannel;
+    } else if (tag == QLatin1String("StopChannel")) {
+        m_stopChannel = text.toUInt();
+    } else if (tag == QLatin1String("StartFrequency")) {
+        m_startFreq = text.toDouble();
+    } else if (tag == QLatin1String("Offset")) {
+        m_offset = text.toDouble();
+    } else if (tag == QLatin1String("UseRaster")) {
+        m_useRaster = text == QLatin1String("1");
+    }
 }

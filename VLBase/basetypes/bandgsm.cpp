@@ -1,4 +1,5 @@
-#include <VLBase/basetypes/band.h>
+#include "bandgsm.h"
+
 #include <VLBase/basetypes/internal/channelmath.h>
 
 #include <algorithm>

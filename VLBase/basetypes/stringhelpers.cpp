@@ -1,4 +1,4 @@
-#include "token.h"
+#include "stringhelpers.h"
 
 #include <QStringView>
 

@@ -1,4 +1,6 @@
-#include "token.h"
+#include "todoubleex.h"
+
+#include <VLBase/basetypes/stringhelpers.h>
 
 #include <QVarLengthArray>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <VLBase/basetypes/stringhelpers.h>
+#include <VLBase/basetypes/todoubleex.h>
 #include <VLBase/vlbase_export.h>
 
 #include <QString>
@@ -61,35 +63,5 @@ private:
     const std::string* m_text;
     std::size_t m_position = 0;
 };
-
-/// Splits a text into at most `count` fields.
-/// \param parts on entry the separator that ends each field, on return the fields, without blanks
-///              at their ends. The first one is always written, also when `count` is 0.
-/// \return the number of fields written. The last one has taken the rest of the text when its
-///         separator was not found.
-VLBASE_EXPORT unsigned char separateString(QString text, QString* parts, unsigned char count);
-
-/// Where `strip` works.
-enum stripType_ : int { StripStart = 0, StripEnd = 1, StripBoth = 2 };
-
-/// Removes runs of a character from the ends of a text, in place. Other types change nothing.
-/// \return `text`
-VLBASE_EXPORT const QString& strip(QString& text, stripType_ type, wchar_t character);
-
-/// Whether the text has characters and all of them are ASCII.
-VLBASE_EXPORT bool isAsciiString(QString text);
-
-/// Replaces every occurrence of `what`; what was put in is not searched again.
-/// \return false when there was none, or when `what` is empty.
-VLBASE_EXPORT bool replaceWith(std::string& text, const std::string& what, const std::string& with);
-
-/// Reads a number at the start of a text, written with either decimal separator, or a mixed
-/// fraction: "1.5", "1,5", "-2e3", "0x1F", "inf", "2_1/4" (2.25). Blanks before it are skipped,
-/// what follows it is ignored, and locales play no part.
-///
-/// The fraction is added to a negative whole too: "-1_1/2" gives -0.5.
-/// \param ok may be null; false only for a fraction with the denominator 0.
-/// \return 0.0 when nothing could be read, and when `*ok` is false.
-VLBASE_EXPORT double toDoubleEx(const QString& text, bool* ok = nullptr);
 
 } // namespace Vela
