@@ -198,29 +198,6 @@ private slots:
         QCOMPARE(inverted.GetNextValidChannel(50, true, false), 3UL);
     }
 
-    void everyExtremeEnds()
-    {
-        const double numbers[] = {notANumber, infinity, -infinity, 0.0, -1.0, 1e308, 5e-324, 200e3};
-        for (const double step : numbers) {
-            for (const double start : numbers) {
-                for (const unsigned long first :
-                     {0UL, 1UL, 0x7FFFFFFFUL, 0x80000000UL, lastChannel}) {
-                    // A stop below the start leaves a band, and a gap, without a valid channel.
-                    Band band(QString(), step, start, first, 3, 7, false);
-                    if (first > 1)
-                        band.AddSubBand(start, step, lastChannel, first, first);
-                    for (const double frequency : numbers) {
-                        unsigned long channel = 0;
-                        bool up = false, down = false;
-                        band.FindFrequency(frequency, channel);
-                        band.GetNextFrequency(true, up, down, frequency, frequency, start);
-                        band.GetNextFrequency(false, up, down, frequency, start, frequency);
-                    }
-                }
-            }
-        }
-    }
-
     void comparison()
     {
         const Band band = twoPieces();

@@ -1,6 +1,7 @@
+#include "tests/errorhandling/recordingtracer.h"
+
 #include <VLBase/basetypes/gsm.h>
 #include <VLBase/errorhandling/errorhandler.h>
-#include <VLBase/errorhandling/ilogtracer.h>
 
 #include <QDomDocument>
 #include <QtTest>
@@ -27,15 +28,6 @@ void readInto(Band& band, const QString& xml)
     QDomElement root = doc.documentElement();
     band.Read(doc, root);
 }
-
-class Collector : public ILogTracer
-{
-public:
-    void SendDataTrace(QString text) override { lines.append(text); }
-    void ReportException(QString text) override { lines.append(text); }
-    bool IsOpen() override { return true; }
-    inline static QStringList lines;
-};
 
 } // namespace
 
@@ -155,15 +147,16 @@ private slots:
     void brokenChildIsTraced()
     {
         QCoreApplication::processEvents(); // traces of the tests before
-        ErrorHandler::SetLogTracer(std::make_unique<Collector>());
+        static TracerLog log;              // outlives a tracer that a failure leaves installed
+        ErrorHandler::SetLogTracer(std::make_unique<RecordingTracer>(log));
         for (const unsigned mask : {0xFFU & ~0x20U, 0x20U}) {
-            Collector::lines.clear();
+            log.sent.clear();
             ErrorHandler::Interface()->SetMessageMask(mask);
             Band band;
             readInto(band, QStringLiteral("<Name>a</Name><!-- -->"));
             readInto(band, QStringLiteral("<Name>whole</Name>"));
             QCoreApplication::processEvents();
-            const QStringList traces = Collector::lines.filter(QStringLiteral("error loading job."))
+            const QStringList traces = log.sent.filter(QStringLiteral("error loading job."))
                                            .filter(QStringLiteral("basetypes/band"))
                                            .filter(QStringLiteral("321"));
             QCOMPARE(traces.size(), mask == 0x20 ? 1 : 0);

@@ -110,19 +110,6 @@ private Q_SLOTS:
         QCOMPARE(calls, 1);
     }
 
-    void singleShotMayEndItsTimer()
-    {
-        QPointer<QTimer> timer;
-        const QString text = u"a text that lies in the function object"_qs;
-        QString seen;
-        timer = QTimerHelpers::singleShot(0, [&timer, &seen, text, copy = text] {
-            delete timer;
-            seen = text + copy;
-        });
-        QTRY_COMPARE(seen, text + text);
-        QVERIFY(!timer);
-    }
-
     void directoryIsAskedLater()
     {
         const QTemporaryDir directory;
