@@ -22,7 +22,14 @@ OwnedHandle openProcess(int processId, DWORD access)
 bool terminateProcess(int processId)
 {
     const OwnedHandle process = openProcess(processId, PROCESS_ALL_ACCESS);
-    return process && ::TerminateProcess(process.get(), 0) != FALSE;
+    if (!process)
+        return false;
+    // As long as anybody holds a handle the number still opens what has already ended.
+    if (::WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0) {
+        ::SetLastError(ERROR_INVALID_PARAMETER);
+        return false;
+    }
+    return ::TerminateProcess(process.get(), 0) != FALSE;
 }
 
 bool isProcessIdle(int processId)
