@@ -1,7 +1,7 @@
 #pragma once
 
 #include "linesource.h"
-#include "tools/vlbase/platform/nativefile.h"
+#include "tools/logreading/platform/nativefile.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 #include "filestore.h"
 
-#include "tools/vlbase/platform/nativefile.h"
+#include "tools/logreading/platform/nativefile.h"
 
 namespace vlbase::tool::log {
 namespace {

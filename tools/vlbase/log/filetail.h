@@ -1,7 +1,7 @@
 #pragma once
 
 #include "filestore.h"
-#include "tools/vlbase/platform/nativefile.h"
+#include "tools/logreading/platform/nativefile.h"
 
 #include <cstdint>
 #include <optional>

@@ -37,6 +37,8 @@ public:
 
     /// Append makes the file when there is none, and reads too.
     bool open(const std::string& name, Mode mode);
+    /// A second handle of the same file, whatever its name is now.
+    bool openAgain(const NativeFile& other);
     void close();
     bool isOpen() const { return m_handle != -1; }
 

@@ -1,4 +1,4 @@
-#include "tools/vlbase/platform/nativefile.h"
+#include "tools/logreading/platform/nativefile.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -46,6 +46,13 @@ bool NativeFile::open(const std::string& name, Mode mode)
     const int flags =
         mode == Mode::Read ? O_RDONLY | O_NONBLOCK : O_RDWR | O_APPEND | O_CREAT | O_NONBLOCK;
     m_handle = ::open(name.c_str(), flags | O_CLOEXEC, 0644);
+    return isOpen();
+}
+
+bool NativeFile::openAgain(const NativeFile& other)
+{
+    close();
+    m_handle = fcntl(descriptorOf(other.m_handle), F_DUPFD_CLOEXEC, 0);
     return isOpen();
 }
 

@@ -1,4 +1,4 @@
-#include "tools/vlbase/platform/nativefile.h"
+#include "tools/logreading/platform/nativefile.h"
 
 #include <algorithm>
 #include <atomic>
@@ -81,6 +81,18 @@ bool NativeFile::open(const std::string& name, Mode mode)
         isRead ? OPEN_EXISTING : OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     m_handle = reinterpret_cast<std::intptr_t>(file);
     return isOpen();
+}
+
+bool NativeFile::openAgain(const NativeFile& other)
+{
+    close();
+    HANDLE file = INVALID_HANDLE_VALUE;
+    const HANDLE self = GetCurrentProcess();
+    if (DuplicateHandle(self, handleOf(other.m_handle), self, &file, 0, FALSE,
+                        DUPLICATE_SAME_ACCESS) == 0)
+        return false;
+    m_handle = reinterpret_cast<std::intptr_t>(file);
+    return true;
 }
 
 void NativeFile::close()
