@@ -1,7 +1,9 @@
 // What reads logs: the filter language, the index and the files that are followed.
 
-#include "tools/logreading/filterrun.h"
+#include "tools/logreading/lineexport.h"
 #include "tools/logreading/logseries.h"
+#include "tools/logreading/merge.h"
+#include "tools/logreading/statistics.h"
 
 #include <QDir>
 #include <QFile>
@@ -27,6 +29,7 @@ private slots:
     void cutAndWrittenAnew();
     void damagedIsShownAsItIs();
     void startsAtTheEnd();
+    void mergesCountsAndExports();
 };
 
 namespace {
@@ -394,6 +397,47 @@ void LogReadingTest::startsAtTheEnd()
         QCOMPARE(textsOf(series.view()),
                  (QByteArrayList{"a", "b", "c", "d", "e"}).last(std::min(count, 5)));
     }
+}
+
+void LogReadingTest::mergesCountsAndExports()
+{
+    QTemporaryDir folder;
+    std::vector<LogView> views;
+    const std::string texts[] = {
+        manyLines[0] + manyLines[4] + lineOf(100003, "11:30:00", "north\tr\tEvent\tx,\t\"\t"),
+        manyLines[1] + lineOf(100002, "11:30:00", "a\tb\tEvent") + manyLines[3]};
+    for (const std::string& text : texts) {
+        const QString name = folder.filePath(QString::number(views.size()));
+        write(name, text);
+        LogSeries series(name.toStdString(), LogSeries::Extent::Single);
+        QString reason;
+        QVERIFY(series.open(reason));
+        readAll(series);
+        views.push_back(series.view());
+    }
+    Merge merge(views, Filter());
+    QString order;
+    for (Merge::Row row; merge.next(row);)
+        order += QStringLiteral("%1%2 ").arg(row.log).arg(row.row);
+    QCOMPARE(order, QStringLiteral("00 01 10 02 11 12 "));
+
+    Statistics statistics;
+    for (const LogView& view : views)
+        statistics.add(view, parsed(QStringLiteral("not level:warning")));
+    QCOMPARE(statistics.lines, 4);
+    QCOMPARE(statistics.lost, 2U + 3U); // by the numbers, and by the owner's notice
+    QCOMPARE(statistics.byStation["north"], 2);
+    QCOMPARE(statistics.byMinute.size(), std::size_t{2});
+    QCOMPARE(*statistics.last - *statistics.first, 5400);
+
+    LineExport csv(ExportFormat::Csv);
+    std::string out;
+    csv.begin(out);
+    csv.append("100003\t2026-11-22 11:30:00\tUTC: 0.000000\ts\tm\tEvent\tx,\t\"\ta\tb\r\n", out);
+    csv.append("plain", out);
+    QCOMPARE(out, std::string("number,time,zone,station,module,level,field1,field2,field3\r\n"
+                              "100003,2026-11-22 11:30:00,UTC: 0.000000,s,m,Event,\"x,\",\"\"\"\""
+                              ",a\tb\r\n,,,,,,,,plain\r\n"));
 }
 
 QTEST_MAIN(LogReadingTest)

@@ -1,7 +1,7 @@
 // What becomes of the text of a line: cleaning, taking apart, counting, showing, splitting.
 
 #include "tools/vlbase/log/linefilter.h"
-#include "tools/vlbase/log/linerenderer.h"
+#include "tools/vlbase/log/columnrenderer.h"
 #include "tools/vlbase/log/linesplitter.h"
 
 #include <VLBase/logging/gapwatch.h>

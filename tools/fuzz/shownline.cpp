@@ -1,7 +1,7 @@
 // Lines of any bytes through what the program shows of a line.
 
 #include "tools/vlbase/log/linefilter.h"
-#include "tools/vlbase/log/linerenderer.h"
+#include "tools/vlbase/log/columnrenderer.h"
 
 #include <VLBase/logging/logline.h>
 

@@ -12,11 +12,12 @@ namespace vlbase::tool {
 const std::vector<Command>& allCommands()
 {
     static const std::vector<Command> commands = {
-        log::ownCommand(),      log::tailCommand(),  log::sendCommand(),
-        log::statusCommand(),   band::listCommand(), band::showCommand(),
-        band::channelCommand(), band::findCommand(), band::plotCommand(),
-        coord::coordCommand(),  time::timeCommand(), geometry::geometryCommand(),
-        os::osCommand(),        ping::pingCommand(),
+        log::ownCommand(),   log::tailCommand(),          log::showCommand(),
+        log::statsCommand(), log::sendCommand(),          log::statusCommand(),
+        band::listCommand(), band::showCommand(),         band::channelCommand(),
+        band::findCommand(), band::plotCommand(),         coord::coordCommand(),
+        time::timeCommand(), geometry::geometryCommand(), os::osCommand(),
+        ping::pingCommand(),
     };
     return commands;
 }

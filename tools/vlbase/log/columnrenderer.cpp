@@ -1,4 +1,4 @@
-#include "linerenderer.h"
+#include "columnrenderer.h"
 
 #include <VLBase/logging/linetext.h>
 

@@ -1,6 +1,6 @@
+#include "columnrenderer.h"
 #include "instance.h"
 #include "linefilter.h"
-#include "linerenderer.h"
 #include "terminationwatch.h"
 #include "tools/vlbase/commandline.h"
 #include "tools/vlbase/exitstatus.h"

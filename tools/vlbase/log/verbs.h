@@ -9,5 +9,7 @@ Command ownCommand();
 Command tailCommand();
 Command sendCommand();
 Command statusCommand();
+Command showCommand();
+Command statsCommand();
 
 } // namespace vlbase::tool::log

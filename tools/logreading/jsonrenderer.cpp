@@ -4,7 +4,7 @@
 
 #include <charconv>
 
-namespace vlbase::tool::log {
+namespace vlbase::logreading {
 namespace {
 
 class JsonRenderer : public LineRenderer
@@ -103,4 +103,4 @@ std::unique_ptr<LineRenderer> makeJsonRenderer()
     return std::make_unique<JsonRenderer>();
 }
 
-} // namespace vlbase::tool::log
+} // namespace vlbase::logreading

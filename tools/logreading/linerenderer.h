@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace vlbase::tool::log {
+namespace vlbase::logreading {
 
 /// Appends lines to a text in the form in which a viewer shows them.
 class LineRenderer
@@ -23,13 +23,6 @@ public:
     virtual void appendLost(const logging::OwnerNotice& lost, std::string& out) = 0;
 };
 
-enum class TimeShown { Local, Utc };
-enum class Colour { Never, PerLevel };
-
-/// Columns for people: time, level, station, module, and the event's fields. The columns of
-/// station and module are as wide as the widest name so far, up to a limit.
-std::unique_ptr<LineRenderer> makeColumnRenderer(TimeShown time, Colour colour);
-
 /// One JSON object for each line:
 ///
 ///     {"index":100000,"time":"2024-05-17T11:42:07Z","zoneOffsetUs":7200000000,"station":"s",
@@ -38,4 +31,4 @@ std::unique_ptr<LineRenderer> makeColumnRenderer(TimeShown time, Colour colour);
 ///     {"lost":3,"first":100006,"last":100008}
 std::unique_ptr<LineRenderer> makeJsonRenderer();
 
-} // namespace vlbase::tool::log
+} // namespace vlbase::logreading
