@@ -84,7 +84,7 @@ const std::string manyLines[] = {
     lineOf(100001, "11:00:00", "north\tScannerA\tWarning\tM\u00C4ST \u00B0C\ta/b\tq\"\\"),
     lineOf(100002, "11:50:00", "south\tscanner\tEvent\tok\t\tx\tmore tabs"),
     "------\t2026-11-22 11:51:00\tUTC: 0.000000\tnorth\tvlbase log own\tWarning\t3 lines "
-    "lost\t\t\n",
+    "lost\t100003-100005\t\n",
     "plain text of an error\n",
 };
 
@@ -102,7 +102,7 @@ void LogReadingTest::filters_data()
     row("error", "04");
     row("CARRIER", "0");
     row("utc", "");
-    row("10000", "");
+    row("10000", "3");
     row("\"receiver 1\"", "0");
     row("no carrier", "0");
     row("no and carrier or ok", "02");
