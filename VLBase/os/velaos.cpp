@@ -16,26 +16,6 @@ VelaOS& VelaOS::operator=(const VelaOS& other)
     return *this;
 }
 
-IVelaOS& VelaOS::Get()
-{
-    return Create();
-}
-
-IVelaOS& VelaOS::GetInstance()
-{
-    return Create();
-}
-
-bool VelaOS::IsAppThread()
-{
-    return Get().GetCurrentThreadId() == m_appThreadId;
-}
-
-bool VelaOS::IsAppThreadOrNoAppThreadExists()
-{
-    return IsAppThread() || m_appThreadId == 0;
-}
-
 int VelaOS::GetAppThreadId()
 {
     return m_appThreadId;

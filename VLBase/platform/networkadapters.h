@@ -6,6 +6,9 @@
 
 namespace vlbase::platform {
 
+/// Starts what sockets need of the system, if anything, for as long as the process lives.
+void startNetwork();
+
 struct NetworkAdapter
 {
     std::string hardwareAddress; ///< "00-1A-2B-3C-4D-5E"; empty for one that has none

@@ -2,13 +2,43 @@
 
 #include <VLBase/platform/dynamiclibrary.h>
 #include <VLBase/platform/lasterror.h>
+#include <VLBase/platform/networkadapters.h>
 #include <VLBase/platform/thread.h>
 
 namespace platform = vlbase::platform;
 
+// What VelaOS asks the one service stands here, so that VelaOS itself does not know it.
+IVelaOS& VelaOS::Create()
+{
+    // Never destroyed, because static destructors may still call it.
+    static VelaSystem& service = *new VelaSystem;
+    return service;
+}
+
+IVelaOS& VelaOS::Get()
+{
+    return Create();
+}
+
+IVelaOS& VelaOS::GetInstance()
+{
+    return Create();
+}
+
+bool VelaOS::IsAppThread()
+{
+    return Get().GetCurrentThreadId() == m_appThreadId;
+}
+
+bool VelaOS::IsAppThreadOrNoAppThreadExists()
+{
+    return IsAppThread() || m_appThreadId == 0;
+}
+
 VelaSystem::VelaSystem()
 {
     setAppThread(platform::currentThreadId());
+    platform::startNetwork();
 }
 
 quint64 VelaSystem::LoadLibraryDll(const QString& path)

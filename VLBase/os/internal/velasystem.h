@@ -5,8 +5,7 @@
 #include <optional>
 #include <string>
 
-/// Everything that the service asks the operating system, through the platform folder. What a
-/// system needs beyond that for its whole life is in its own class: VelaWindows, VelaLinux.
+/// Everything that the service asks the operating system, through the platform folder.
 class VelaSystem : public VelaOS
 {
 public:

@@ -1,8 +1,8 @@
 // What a user sees and hears beside the windows: opened documents, icons, sounds.
 
-#include "iconlibrary.h"
 #include "velasystem.h"
 
+#include <VLBase/platform/iconlibrary.h>
 #include <VLBase/platform/lasterror.h>
 #include <VLBase/platform/shellopen.h>
 #include <VLBase/platform/sounds.h>
@@ -34,7 +34,7 @@ QIcon VelaSystem::GetIconById(int id)
 {
     const int number = id == 0 ? 1 : id + 100;
     const QString name = QStringLiteral("IDI_ICON%1").arg(number);
-    const QImage image = vlbase::imageFromLibrary(QStringLiteral("IconDll"), name);
+    const QImage image = platform::imageFromLibrary(QStringLiteral("IconDll"), name);
     // A pixmap needs the window system.
     if (image.isNull() || qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) {
         platform::setLastError(platform::Fault::NotFound);

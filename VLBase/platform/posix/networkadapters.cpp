@@ -50,6 +50,8 @@ std::string addressOf(const ifaddrs& entry)
 
 } // namespace
 
+void startNetwork() {}
+
 /// The system lists all adapters first, each with its hardware address, and then their addresses.
 std::optional<std::vector<NetworkAdapter>> networkAdapters()
 {

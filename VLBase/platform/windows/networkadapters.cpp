@@ -1,3 +1,5 @@
+#include "windowssockets.h"
+
 #include <VLBase/platform/lasterror.h>
 #include <VLBase/platform/networkadapters.h>
 
@@ -37,6 +39,13 @@ std::optional<Block> adapterTable()
 }
 
 } // namespace
+
+void startNetwork()
+{
+    // Never destroyed, because static destructors may still need it.
+    static const WindowsSockets& sockets = *new WindowsSockets;
+    static_cast<void>(sockets);
+}
 
 std::optional<std::vector<NetworkAdapter>> networkAdapters()
 {
