@@ -1,13 +1,13 @@
 #include "livelogreader.h"
 
+#include <VLBase/logging/internal/logimage.h>
+
 #include <string>
 
-namespace {
-constexpr int readerRole = 2;
-}
+using vlbase::logging::Role;
 
 CLiveLogReader::CLiveLogReader()
-    : CMMShared(readerRole, 0)
+    : CMMShared(static_cast<int>(Role::Reader), 0)
 {
 }
 

@@ -1,7 +1,7 @@
 #include "loginstance.h"
 
 #include <VLBase/logging/internal/logobjects.h>
-#include <VLBase/logging/internal/logregistration.h>
+#include <VLBase/logging/internal/logopening.h>
 
 #include <algorithm>
 #include <string>
@@ -57,7 +57,7 @@ bool setLogInstance(const QString& name)
     if (name.size() > maximumLength || !std::all_of(name.begin(), name.end(), isNameCharacter))
         return false;
     const std::lock_guard attachmentGuard(attachmentMutex());
-    if (LogRegistration::isProcessAttached())
+    if (isLogOpen())
         return false;
     const std::lock_guard guard(instanceMutex());
     instanceName() = name.toStdString();

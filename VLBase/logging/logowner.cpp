@@ -1,7 +1,7 @@
 #include "logowner.h"
 
 #include <VLBase/logging/internal/drainpace.h>
-#include <VLBase/logging/internal/logregistration.h>
+#include <VLBase/logging/internal/logattachment.h>
 
 #include <algorithm>
 #include <limits>
@@ -10,8 +10,6 @@
 namespace vlbase::logging {
 
 namespace {
-
-constexpr int ownerRole = 0;
 
 // A drain is never split, and an empty ring of this size always has room for one.
 int stagingSize(int bufferSize, int reserveBytes)
@@ -59,34 +57,23 @@ struct LogOwner::State
 };
 
 LogOwner::LogOwner(int bufferSize, int reserveBytes)
-    : CMMShared(ownerRole, bufferSize, stagingSize(bufferSize, reserveBytes))
+    : CMMShared(static_cast<int>(Role::Owner), bufferSize, stagingSize(bufferSize, reserveBytes))
 {
     useStaging();
 }
 
 LogOwner::~LogOwner() = default;
 
-LogOwner::OpenResult LogOwner::open()
+OpenResult LogOwner::open()
 {
     if (Open())
         useStaging();
     return openResult();
 }
 
-LogOwner::OpenResult LogOwner::openResult() const
+OpenResult LogOwner::openResult() const
 {
-    switch (openOutcome()) {
-    case OpenOutcome::Created:
-        return OpenResult::Created;
-    case OpenOutcome::Joined:
-        return OpenResult::TookOver;
-    case OpenOutcome::Busy:
-        return OpenResult::Busy;
-    case OpenOutcome::Absent:
-    case OpenOutcome::Failed:
-        break;
-    }
-    return OpenResult::Failed;
+    return lastOpening();
 }
 
 void LogOwner::useStaging()
@@ -94,14 +81,14 @@ void LogOwner::useStaging()
     if (!IsOpen())
         return;
     m_state = std::make_unique<State>(bufferSize());
-    LogAttachment& attachment = registration()->attachment();
+    LogAttachment& log = *attachment();
     const auto least = 2 * static_cast<std::size_t>(bufferSize());
-    LogStaging* const shared = attachment.sharedStaging();
+    LogStaging* const shared = log.sharedStaging();
     if (shared && shared->size() >= least) {
-        attachment.lock();
+        log.lock();
         shared->discardIfDamaged();
-        shared->finishMove(attachment.image());
-        attachment.unlock();
+        shared->finishMove(log.image());
+        log.unlock();
         m_state->staging = shared;
         return;
     }
@@ -111,14 +98,14 @@ void LogOwner::useStaging()
 
 int LogOwner::bufferSize() const
 {
-    return IsOpen() ? registration()->attachment().image().bufferSize() : 0;
+    return IsOpen() ? attachment()->image().bufferSize() : 0;
 }
 
 // A writer that finds a half full moves all of it for its line, so the viewers' half keeps room
 // for what may come until the next drain: twice the most that came lately.
 bool LogOwner::trimViewersHalf(int inflow)
 {
-    LogImage& image = registration()->attachment().image();
+    LogImage& image = attachment()->image();
     const int size = image.bufferSize();
     const int most = size / 4 * 3;
     m_state->inflow = std::max(inflow, m_state->inflow - m_state->inflow / 16);
@@ -143,12 +130,12 @@ LogOwner::Drained LogOwner::drain()
 LogOwner::Drained LogOwner::drainOnce()
 {
     Drained drained;
-    LogAttachment& attachment = registration()->attachment();
-    LogImage& image = attachment.image();
+    LogAttachment& log = *attachment();
+    LogImage& image = log.image();
     if (image.fill(1) == 0 && image.fill(0) <= image.bufferSize() / 4 * 3)
         return drained; // an idle log is left alone
 
-    drained.timedOut = attachment.lock() == platform::LockResult::TimedOut;
+    drained.timedOut = log.lock() == platform::LockResult::TimedOut;
     drained.fillBefore = image.fill(1);
     if (drained.fillBefore > 0) {
         bool taken = m_state->staging->take(image);
@@ -160,7 +147,7 @@ LogOwner::Drained LogOwner::drainOnce()
         drained.bytes = drained.stagingFull ? 0 : drained.fillBefore;
     }
     drained.trimmed = trimViewersHalf(drained.fillBefore);
-    attachment.unlock();
+    log.unlock();
     return drained;
 }
 
@@ -192,7 +179,7 @@ bool LogOwner::isStagingShared() const
 
 LineLedger LogOwner::makeLedger() const
 {
-    return LineLedger(IsOpen() ? registration()->attachment().reserve() : nullptr);
+    return LineLedger(IsOpen() ? attachment()->reserve() : nullptr);
 }
 
 std::optional<long> LogOwner::nextIndexIfIdle()
@@ -200,7 +187,7 @@ std::optional<long> LogOwner::nextIndexIfIdle()
     if (!IsOpen())
         return std::nullopt;
     const Lock lock(this);
-    const LogImage& image = registration()->attachment().image();
+    const LogImage& image = attachment()->image();
     if (image.fill(1) > 0 || stagedBytes() > 0)
         return std::nullopt;
     return image.index();

@@ -38,12 +38,7 @@ namespace vlbase::logging {
 class VLBASE_EXPORT LogOwner : public CMMShared
 {
 public:
-    enum class OpenResult {
-        Created,  ///< a new log
-        TookOver, ///< a log that its writers kept after the last owner had ended
-        Busy,     ///< another owner is alive
-        Failed    ///< damaged, foreign, or refused by the system
-    };
+    using OpenResult = logging::OpenResult;
 
     static constexpr int defaultReserveBytes = 32 * 1024 * 1024;
 

@@ -3,7 +3,7 @@
 #include <VLBase/logging/ilogdata.h>
 #include <VLBase/logging/internal/linebuffer.h>
 #include <VLBase/logging/internal/linetime.h>
-#include <VLBase/logging/internal/logregistration.h>
+#include <VLBase/logging/internal/logattachment.h>
 
 #include <QHostInfo>
 #include <QScopeGuard>
@@ -23,8 +23,6 @@ using vlbase::logging::Role;
 using namespace std::chrono;
 
 namespace {
-
-constexpr int writerRole = 1;
 
 // How long a writer that waits for room leaves the mutex unlooked at.
 constexpr milliseconds longestLookAway(20);
@@ -47,7 +45,7 @@ CLogWriter::CLogWriter()
 }
 
 CLogWriter::CLogWriter(QString moduleName)
-    : CMMShared(writerRole, 0)
+    : CMMShared(static_cast<int>(Role::Writer), 0)
     , m_stationName(QHostInfo::localHostName())
     , m_moduleName(std::move(moduleName))
 {
@@ -163,21 +161,20 @@ void CLogWriter::sendFields(std::initializer_list<QStringView> fields)
 
     lockWithRoom();
     const auto unlock = qScopeGuard([this] { UnLockData(); });
-    LogAttachment& attachment = registration()->attachment();
-    const LogAttachment::Number taken = attachment.takeNumber();
+    LogAttachment& log = *attachment();
+    const LogAttachment::Taken taken = log.takeNumber();
     lineTime.update();
     if (IsWriterAvailable())
-        attachment.add(line.complete(taken.number, lineTime.text()), taken.position);
+        log.add(line.complete(taken.number, lineTime.text()), taken.position);
 }
 
 // Whoever waits for room looks at the mutex every now and then: behind a holder that hangs there
 // will be none, and the wait must not add to the one for the mutex.
 void CLogWriter::lockWithRoom()
 {
-    LogAttachment& attachment = registration()->attachment();
+    LogAttachment& log = *attachment();
     // The owner cannot make room for a thread that keeps it out.
-    if (m_fullBufferWait == 0 || !isFull() || attachment.isLockedByThisThread() ||
-        attachment.isHolderHanging()) {
+    if (m_fullBufferWait == 0 || !isFull() || log.isLockedByThisThread() || log.isHolderHanging()) {
         LockData();
         return;
     }
@@ -186,7 +183,7 @@ void CLogWriter::lockWithRoom()
     while (!isDone) {
         sleepWhileFull(std::min(end, steady_clock::now() + longestLookAway));
         LockData();
-        isDone = attachment.isHolderHanging() || !isFull() || !IsWriterAvailable() ||
+        isDone = log.isHolderHanging() || !isFull() || !IsWriterAvailable() ||
                  steady_clock::now() >= end;
         if (!isDone)
             UnLockData();
@@ -204,6 +201,6 @@ void CLogWriter::sleepWhileFull(steady_clock::time_point end)
 
 bool CLogWriter::isFull() const
 {
-    const LogImage& image = registration()->attachment().image();
+    const LogImage& image = attachment()->image();
     return image.fill(1) > image.bufferSize() / 4 * 3;
 }

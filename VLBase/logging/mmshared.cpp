@@ -1,14 +1,13 @@
 #include "mmshared.h"
 
 #include <VLBase/logging/internal/lineindex.h>
-#include <VLBase/logging/internal/logregistration.h>
+#include <VLBase/logging/internal/logopening.h>
 
 #include <string_view>
 
 using vlbase::logging::LogAttachment;
 using vlbase::logging::LogImage;
-using vlbase::logging::LogRegistration;
-using vlbase::logging::OpenOutcome;
+using vlbase::logging::OpenResult;
 using vlbase::logging::Role;
 
 CMMShared::CMMShared(int role, int bufferSize)
@@ -32,20 +31,20 @@ bool CMMShared::Open()
 {
     if (IsOpen())
         return false;
-    m_registration = LogRegistration::open(m_role, m_bufferSize, m_reserveBytes, m_outcome);
+    m_attachment = vlbase::logging::openLog(m_role, m_bufferSize, m_reserveBytes, m_lastOpening);
     if (IsOpen())
-        m_bufferSize = m_registration->attachment().image().bufferSize();
+        m_bufferSize = m_attachment->image().bufferSize();
     return IsOpen();
 }
 
 bool CMMShared::IsOpen() const
 {
-    return m_registration != nullptr;
+    return m_attachment != nullptr;
 }
 
 bool CMMShared::IsWriterAvailable()
 {
-    return IsOpen() && m_registration->attachment().image().users(Role::Owner) > 0;
+    return IsOpen() && m_attachment->image().users(Role::Owner) > 0;
 }
 
 int CMMShared::GetUserCount()
@@ -53,7 +52,7 @@ int CMMShared::GetUserCount()
     if (!IsOpen())
         return -1;
     const Lock lock(this);
-    const LogImage& image = m_registration->attachment().image();
+    const LogImage& image = m_attachment->image();
     std::uint32_t users = 0; // any values may stand there, and these wrap without harm
     for (const Role role : {Role::Owner, Role::Writer, Role::Reader})
         users += static_cast<std::uint32_t>(image.users(role));
@@ -65,7 +64,7 @@ char* CMMShared::GetFileName()
     if (!IsOpen())
         return nullptr;
     const Lock lock(this);
-    return m_registration->attachment().image().fileName();
+    return m_attachment->image().fileName();
 }
 
 bool CMMShared::SetFileName(const char* name)
@@ -73,7 +72,7 @@ bool CMMShared::SetFileName(const char* name)
     if (!IsOpen() || !name)
         return false;
     const Lock lock(this);
-    return m_registration->attachment().image().setFileName(name);
+    return m_attachment->image().setFileName(name);
 }
 
 bool CMMShared::GetAcceptDataBlocks()
@@ -81,7 +80,7 @@ bool CMMShared::GetAcceptDataBlocks()
     if (!IsOpen())
         return false;
     const Lock lock(this);
-    return m_registration->attachment().image().acceptsDataBlocks();
+    return m_attachment->image().acceptsDataBlocks();
 }
 
 void CMMShared::SetAcceptDataBlocks(bool accept)
@@ -89,7 +88,7 @@ void CMMShared::SetAcceptDataBlocks(bool accept)
     if (!IsOpen())
         return;
     const Lock lock(this);
-    m_registration->attachment().image().setAcceptsDataBlocks(accept);
+    m_attachment->image().setAcceptsDataBlocks(accept);
 }
 
 long CMMShared::GetIndex()
@@ -97,17 +96,16 @@ long CMMShared::GetIndex()
     if (!IsOpen())
         return -1;
     const Lock lock(this);
-    return m_registration->attachment().image().index();
+    return m_attachment->image().index();
 }
 
 long CMMShared::SetIndex(long index)
 {
     if (!IsOpen())
         return -1;
-    LogAttachment& attachment = m_registration->attachment();
-    vlbase::logging::LogReserve* const reserve = attachment.reserve();
+    vlbase::logging::LogReserve* const reserve = m_attachment->reserve();
     const std::uint64_t reached = reserve ? reserve->reached() : 0;
-    attachment.image().setIndex(static_cast<std::int32_t>(index));
+    m_attachment->image().setIndex(static_cast<std::int32_t>(index));
     if (reserve)
         reserve->jump(reached, static_cast<std::int32_t>(index));
     return index;
@@ -117,7 +115,7 @@ long CMMShared::GetAndIncIndex()
 {
     if (!IsOpen())
         return -1;
-    const LogAttachment::Number taken = m_registration->attachment().takeNumber();
+    const LogAttachment::Taken taken = m_attachment->takeNumber();
     m_takenIndex = taken.position ? taken.number : -1;
     m_takenPosition = taken.position.value_or(0);
     return taken.number;
@@ -135,7 +133,7 @@ void CMMShared::Add(const char* line)
         position = m_takenPosition;
         m_takenIndex = -1;
     }
-    m_registration->attachment().add(text, position);
+    m_attachment->add(text, position);
 }
 
 void CMMShared::GetBuffer(int index, char** data, long* length)
@@ -145,7 +143,7 @@ void CMMShared::GetBuffer(int index, char** data, long* length)
     if (!IsOpen() || index < 0 || index > 1)
         return;
     m_currentBuffer = index;
-    const LogImage& image = m_registration->attachment().image();
+    const LogImage& image = m_attachment->image();
     *data = image.half(index);
     *length = image.fill(index);
 }
@@ -153,29 +151,29 @@ void CMMShared::GetBuffer(int index, char** data, long* length)
 void CMMShared::ReleaseBuffer()
 {
     if (IsOpen())
-        m_registration->attachment().image().setFill(m_currentBuffer, 0);
+        m_attachment->image().setFill(m_currentBuffer, 0);
 }
 
 void CMMShared::LockData()
 {
     if (IsOpen())
-        m_registration->attachment().lock();
+        m_attachment->lock();
 }
 
 void CMMShared::UnLockData()
 {
     if (IsOpen())
-        m_registration->attachment().unlock();
+        m_attachment->unlock();
 }
 
-const std::shared_ptr<LogRegistration>& CMMShared::registration() const
+const std::shared_ptr<LogAttachment>& CMMShared::attachment() const
 {
-    return m_registration;
+    return m_attachment;
 }
 
-OpenOutcome CMMShared::openOutcome() const
+OpenResult CMMShared::lastOpening() const
 {
-    return m_outcome;
+    return m_lastOpening;
 }
 
 Lock::Lock(CMMShared* shared)

@@ -6,8 +6,15 @@
 #include <memory>
 
 namespace vlbase::logging {
-class LogRegistration;
-enum class OpenOutcome : int;
+class LogAttachment;
+
+/// How an attempt to open the shared log ended.
+enum class OpenResult : int {
+    Created,  ///< a new log
+    TookOver, ///< a log that was there; for an owner, one that the last owner left to its writers
+    Busy,     ///< another owner is alive
+    Failed    ///< damaged, foreign, or refused by the system; for all but owners, also absent
+};
 } // namespace vlbase::logging
 
 /// One process's handle on the log buffer that all processes of a user share.
@@ -97,21 +104,21 @@ protected:
     /// Empties the current half. The caller holds a `Lock`.
     void ReleaseBuffer();
 
-    /// What all copies of this object share; null when closed.
-    const std::shared_ptr<vlbase::logging::LogRegistration>& registration() const;
+    /// The process's attachment, of which all copies of this object are one user; null when closed.
+    const std::shared_ptr<vlbase::logging::LogAttachment>& attachment() const;
 
     /// How the last `Open` of a closed object ended.
-    vlbase::logging::OpenOutcome openOutcome() const;
+    vlbase::logging::OpenResult lastOpening() const;
 
 private:
     int m_role;
     int m_bufferSize;
     int m_reserveBytes;
-    vlbase::logging::OpenOutcome m_outcome{};
+    vlbase::logging::OpenResult m_lastOpening{};
     int m_currentBuffer = 0;
     long m_takenIndex = -1;            // number that GetAndIncIndex gave last,
     std::uint64_t m_takenPosition = 0; // and where it stands among all lines ever
-    std::shared_ptr<vlbase::logging::LogRegistration> m_registration;
+    std::shared_ptr<vlbase::logging::LogAttachment> m_attachment;
 };
 
 /// Holds the shared log's mutex for as long as it lives.

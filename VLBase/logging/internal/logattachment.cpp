@@ -117,7 +117,7 @@ void LogAttachment::repair()
         staging->finishMove(m_image);
 }
 
-LogAttachment::Number LogAttachment::takeNumber()
+LogAttachment::Taken LogAttachment::takeNumber()
 {
     const LogImage::Number taken = m_image.takeNumber();
     return {taken.number, m_reserve ? m_reserve->takePosition(taken.counter) : std::nullopt};

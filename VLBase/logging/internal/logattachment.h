@@ -41,12 +41,12 @@ public:
     void unlock() { m_mutex.unlock(); }
     bool isLockedByThisThread() const { return m_mutex.isHeldByThisThread(); }
 
-    struct Number
+    struct Taken
     {
         std::int32_t number;
         std::optional<std::uint64_t> position; ///< none without a reserve
     };
-    Number takeNumber();
+    Taken takeNumber();
 
     /// Appends a line to both halves; with a position it gets its seal.
     void add(std::string_view line, std::optional<std::uint64_t> position);

@@ -1,11 +1,13 @@
-#include "logregistration.h"
+#include "logopening.h"
 
 #include <VLBase/logging/internal/logobjects.h>
+#include <VLBase/platform/namedclaim.h>
 #include <VLBase/platform/openinglock.h>
 
 #include <QCoreApplication>
 
 #include <mutex>
+#include <optional>
 #include <utility>
 
 namespace vlbase::logging {
@@ -29,26 +31,26 @@ bool mayTakeOver(LogAttachment& attachment)
 }
 
 std::shared_ptr<LogAttachment> openOwner(int bufferSize, int reserveBytes, NamedClaim& claim,
-                                         OpenOutcome& outcome)
+                                         OpenResult& result)
 {
-    outcome = OpenOutcome::Busy;
+    result = OpenResult::Busy;
     if (!claim.take(objectName(ownerObject)))
         return nullptr;
     bool absent = false;
     auto attachment = processAttachment().lock();
     if (!attachment)
         attachment = LogAttachment::join(absent);
-    outcome = OpenOutcome::Joined;
+    result = OpenResult::TookOver;
     if (!attachment && absent) {
-        outcome = OpenOutcome::Created;
+        result = OpenResult::Created;
         attachment = LogAttachment::create(bufferSize);
     }
     if (!attachment) {
-        outcome = OpenOutcome::Failed;
+        result = OpenResult::Failed;
         return nullptr;
     }
     if (!mayTakeOver(*attachment)) {
-        outcome = OpenOutcome::Busy;
+        result = OpenResult::Busy;
         return nullptr;
     }
     if (!attachment->reserve()) {
@@ -62,58 +64,46 @@ std::shared_ptr<LogAttachment> openOwner(int bufferSize, int reserveBytes, Named
     return attachment;
 }
 
-std::shared_ptr<LogAttachment> openUser(Role role, OpenOutcome& outcome)
+std::shared_ptr<LogAttachment> openUser(Role role, OpenResult& result)
 {
     bool absent = false;
     auto attachment = processAttachment().lock();
     if (!attachment)
         attachment = LogAttachment::join(absent);
     if (!attachment) {
-        outcome = absent ? OpenOutcome::Absent : OpenOutcome::Failed;
+        result = OpenResult::Failed;
         return nullptr;
     }
     attachment->image().addUser(role);
-    outcome = OpenOutcome::Joined;
+    result = OpenResult::TookOver;
     return attachment;
 }
 
-} // namespace
-
-LogRegistration::LogRegistration(Role role, std::shared_ptr<LogAttachment> attachment,
-                                 NamedClaim claim)
-    : m_role(role)
-    , m_attachment(std::move(attachment))
-    , m_ownerClaim(std::move(claim))
-    , m_process(QCoreApplication::applicationPid())
+/// One counted user of the log.
+class LogUser
 {
-}
-
-std::shared_ptr<LogRegistration> LogRegistration::open(int role, int bufferSize, int reserveBytes,
-                                                       OpenOutcome& outcome)
-{
-    outcome = OpenOutcome::Failed;
-    if (role < static_cast<int>(Role::Owner) || role > static_cast<int>(Role::Reader))
-        return nullptr;
-    const auto kind = static_cast<Role>(role);
-    const std::lock_guard guard(attachmentMutex());
-    const bool isOwner = kind == Role::Owner;
-    std::optional<OpeningLock> opening;
-    if (isOwner || processAttachment().expired()) {
-        opening.emplace(objectName(openingObject));
-        if (!opening->isHeld())
-            return nullptr;
+public:
+    LogUser(Role role, std::shared_ptr<LogAttachment> attachment, NamedClaim ownerClaim)
+        : m_role(role)
+        , m_attachment(std::move(attachment))
+        , m_ownerClaim(std::move(ownerClaim))
+        , m_process(QCoreApplication::applicationPid())
+    {
     }
-    NamedClaim claim;
-    auto attachment =
-        isOwner ? openOwner(bufferSize, reserveBytes, claim, outcome) : openUser(kind, outcome);
-    if (!attachment)
-        return nullptr;
-    processAttachment() = attachment;
-    return std::shared_ptr<LogRegistration>(
-        new LogRegistration(kind, std::move(attachment), std::move(claim)));
-}
+    ~LogUser();
+    LogUser(const LogUser&) = delete;
+    LogUser& operator=(const LogUser&) = delete;
 
-LogRegistration::~LogRegistration()
+    LogAttachment* attachment() const { return m_attachment.get(); }
+
+private:
+    Role m_role;
+    std::shared_ptr<LogAttachment> m_attachment;
+    NamedClaim m_ownerClaim;
+    qint64 m_process;
+};
+
+LogUser::~LogUser()
 {
     if (m_process != QCoreApplication::applicationPid())
         return; // a forked child, which was never counted
@@ -131,7 +121,34 @@ LogRegistration::~LogRegistration()
     m_attachment.reset();
 }
 
-bool LogRegistration::isProcessAttached()
+} // namespace
+
+std::shared_ptr<LogAttachment> openLog(int role, int bufferSize, int reserveBytes,
+                                       OpenResult& result)
+{
+    result = OpenResult::Failed;
+    if (role < static_cast<int>(Role::Owner) || role > static_cast<int>(Role::Reader))
+        return nullptr;
+    const auto kind = static_cast<Role>(role);
+    const std::lock_guard guard(attachmentMutex());
+    const bool isOwner = kind == Role::Owner;
+    std::optional<OpeningLock> opening;
+    if (isOwner || processAttachment().expired()) {
+        opening.emplace(objectName(openingObject));
+        if (!opening->isHeld())
+            return nullptr;
+    }
+    NamedClaim claim;
+    auto attachment =
+        isOwner ? openOwner(bufferSize, reserveBytes, claim, result) : openUser(kind, result);
+    if (!attachment)
+        return nullptr;
+    processAttachment() = attachment;
+    const auto user = std::make_shared<LogUser>(kind, std::move(attachment), std::move(claim));
+    return {user, user->attachment()};
+}
+
+bool isLogOpen()
 {
     return !processAttachment().expired();
 }
