@@ -2,8 +2,8 @@
 
 #include <VLBase/errorhandling/errorhandler.h>
 #include <VLBase/errorhandling/quality.h>
+#include <VLBase/platform/clocks.h>
 #include <VLBase/platform/debugoutput.h>
-#include <VLBase/platform/perfcounter.h>
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <VLBase/platform/systemtime.h>
+#include <VLBase/platform/clocks.h>
 
 #include <QtGlobal>
 

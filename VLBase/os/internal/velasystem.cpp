@@ -3,7 +3,7 @@
 #include <VLBase/platform/dynamiclibrary.h>
 #include <VLBase/platform/lasterror.h>
 #include <VLBase/platform/networkadapters.h>
-#include <VLBase/platform/thread.h>
+#include <VLBase/platform/processes.h>
 
 namespace platform = vlbase::platform;
 

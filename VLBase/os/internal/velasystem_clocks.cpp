@@ -1,10 +1,8 @@
 #include "timeservice.h"
 #include "velasystem.h"
 
+#include <VLBase/platform/clocks.h>
 #include <VLBase/platform/lasterror.h>
-#include <VLBase/platform/systemtime.h>
-#include <VLBase/platform/timezone.h>
-#include <VLBase/platform/wallclock.h>
 
 #include <algorithm>
 #include <array>

@@ -2,9 +2,7 @@
 
 #include "velasystem.h"
 
-#include <VLBase/platform/directories.h>
-#include <VLBase/platform/identity.h>
-#include <VLBase/platform/uniqueid.h>
+#include <VLBase/platform/machine.h>
 
 #include <QByteArray>
 

@@ -2,12 +2,9 @@
 
 #include "velasystem.h"
 
-#include <VLBase/platform/hiddenprogram.h>
 #include <VLBase/platform/lasterror.h>
-#include <VLBase/platform/process.h>
-#include <VLBase/platform/processlist.h>
-#include <VLBase/platform/shutdown.h>
-#include <VLBase/platform/thread.h>
+#include <VLBase/platform/machine.h>
+#include <VLBase/platform/processes.h>
 
 #include <cstdarg>
 #include <cstdlib>

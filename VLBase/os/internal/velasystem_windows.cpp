@@ -3,7 +3,7 @@
 #include "velasystem.h"
 
 #include <VLBase/platform/lasterror.h>
-#include <VLBase/platform/processlist.h>
+#include <VLBase/platform/processes.h>
 #include <VLBase/platform/quitbroadcast.h>
 #include <VLBase/platform/toplevelwindows.h>
 

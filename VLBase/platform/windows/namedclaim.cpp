@@ -1,3 +1,4 @@
+#include "ownedhandle.h"
 #include "windowsnames.h"
 
 #include <VLBase/platform/namedclaim.h>
@@ -13,11 +14,8 @@ public:
         : event(handle)
     {
     }
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-    ~Handle() { CloseHandle(event); }
 
-    HANDLE event;
+    OwnedHandle event;
 };
 
 NamedClaim::NamedClaim() = default;
@@ -55,9 +53,7 @@ void NamedClaim::release()
 
 bool NamedClaim::isTaken(const std::string& name)
 {
-    const HANDLE event = OpenEventW(SYNCHRONIZE, FALSE, wideName(name).c_str());
-    if (event)
-        CloseHandle(event);
+    const OwnedHandle event(OpenEventW(SYNCHRONIZE, FALSE, wideName(name).c_str()));
     return event != nullptr;
 }
 

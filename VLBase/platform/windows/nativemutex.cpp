@@ -1,3 +1,4 @@
+#include "ownedhandle.h"
 #include "windowsnames.h"
 
 #include <VLBase/platform/nativemutex.h>
@@ -13,11 +14,8 @@ public:
         : mutex(handle)
     {
     }
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-    ~Handle() { CloseHandle(mutex); }
 
-    HANDLE mutex;
+    OwnedHandle mutex;
 };
 
 NativeMutex::NativeMutex() = default;
@@ -43,7 +41,7 @@ LockResult NativeMutex::lock(std::chrono::milliseconds timeout)
 {
     if (!m_handle)
         return LockResult::Failed;
-    switch (WaitForSingleObject(m_handle->mutex, static_cast<DWORD>(timeout.count()))) {
+    switch (WaitForSingleObject(m_handle->mutex.get(), static_cast<DWORD>(timeout.count()))) {
     case WAIT_OBJECT_0:
         return LockResult::Owned;
     case WAIT_ABANDONED:
@@ -57,7 +55,7 @@ LockResult NativeMutex::lock(std::chrono::milliseconds timeout)
 
 void NativeMutex::unlock()
 {
-    ReleaseMutex(m_handle->mutex);
+    ReleaseMutex(m_handle->mutex.get());
 }
 
 void NativeMutex::leak()
@@ -92,12 +90,12 @@ QueryMutant queryMutantFunction()
 bool NativeMutex::isHeld(const std::string& name)
 {
     const QueryMutant queryMutant = queryMutantFunction();
-    const HANDLE mutex = OpenMutexW(mutantQueryState, FALSE, wideName(name).c_str());
+    const OwnedHandle mutex(OpenMutexW(mutantQueryState, FALSE, wideName(name).c_str()));
     if (!mutex)
         return false;
-    const Handle handle(mutex);
     MutantInformation information = {};
-    return queryMutant && queryMutant(mutex, 0, &information, sizeof information, nullptr) >= 0 &&
+    return queryMutant &&
+           queryMutant(mutex.get(), 0, &information, sizeof information, nullptr) >= 0 &&
            (information.currentCount <= 0 || information.abandoned);
 }
 

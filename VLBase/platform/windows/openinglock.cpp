@@ -1,3 +1,4 @@
+#include "ownedhandle.h"
 #include "windowsnames.h"
 
 #include <VLBase/platform/openinglock.h>
@@ -18,11 +19,10 @@ public:
     ~Handle()
     {
         if (held)
-            ReleaseMutex(mutex);
-        CloseHandle(mutex);
+            ReleaseMutex(mutex.get());
     }
 
-    HANDLE mutex;
+    OwnedHandle mutex;
     bool held = false;
 };
 
