@@ -1,4 +1,5 @@
 #include "linerenderer.h"
+#include "tools/jsontext.h"
 
 #include <VLBase/logging/linetext.h>
 
@@ -50,19 +51,9 @@ public:
 private:
     static void appendString(std::string_view text, std::string& out)
     {
-        out += '"';
-        // Clean text has no control character but the tab.
         std::string clean;
         logging::appendClean(text, logging::Cleaning::ForTerminal, clean);
-        for (const char c : clean) {
-            if (c == '"' || c == '\\')
-                out += '\\';
-            if (c == '\t')
-                out += "\\t";
-            else
-                out += c;
-        }
-        out += '"';
+        appendJsonString(clean, out);
     }
 
     static void appendTime(const logging::LogLine& line, std::string& out)

@@ -3,7 +3,6 @@
 #include "plan.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 
 namespace vlbase::tool::band {
 
@@ -26,13 +25,6 @@ QJsonObject bandObject(unsigned index)
         {QStringLiteral("pairedWith"), static_cast<int>(pairedWith(index))},
         {QStringLiteral("channels"), ranges},
     };
-}
-
-QString jsonText(const QJsonValue& value)
-{
-    const QJsonDocument document =
-        value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject());
-    return QString::fromUtf8(document.toJson(QJsonDocument::Indented));
 }
 
 } // namespace vlbase::tool::band

@@ -1,12 +1,12 @@
 #include "coordwriter.h"
 
 #include "formatkey.h"
+#include "tools/jsontext.h"
 
 #include <VLBase/coord/coordconversion.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <iterator>
 #include <utility>
 
@@ -30,23 +30,6 @@ void appendUtf8(const QString& text, std::string& out)
 void appendLatin1(QLatin1String text, std::string& out)
 {
     out.append(text.data(), static_cast<std::size_t>(text.size()));
-}
-
-void appendJsonText(std::string_view text, std::string& out)
-{
-    out += '"';
-    for (const char character : text) {
-        if (character == '"' || character == '\\')
-            out += '\\';
-        if (static_cast<unsigned char>(character) < ' ') {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(character));
-            out += escape;
-        } else {
-            out += character;
-        }
-    }
-    out += '"';
 }
 
 /// Degrees with enough digits to come back, without the tail of rounding: nanometres.
@@ -140,7 +123,7 @@ void CoordWriter::writeCsvRow(const Coord& position, qint64 line)
 void CoordWriter::writeJsonRow(const Reading& reading, std::string_view typed, qint64 line)
 {
     m_text += "{\"line\":" + std::to_string(line) + ",\"input\":";
-    appendJsonText(typed, m_text);
+    appendJsonString(typed, m_text);
     m_text += ",\"format\":\"";
     appendLatin1(formatKey(reading.format), m_text);
     m_text += "\",\"longitude\":";
@@ -149,7 +132,7 @@ void CoordWriter::writeJsonRow(const Reading& reading, std::string_view typed, q
     appendDegrees(reading.position.GetLatitude(), m_text);
     if (reading.doubt) {
         m_text += ",\"doubt\":";
-        appendJsonText(reading.doubt, m_text);
+        appendJsonString(reading.doubt, m_text);
     }
     m_text += ",\"texts\":{";
     for (std::size_t i = 0; i < m_formats.size(); ++i) {

@@ -2,13 +2,13 @@
 
 #include "geometrysearch.h"
 #include "geometrytext.h"
+#include "tools/jsontext.h"
 #include "tools/vlbase/commandline.h"
 #include "tools/vlbase/exitstatus.h"
 #include "tools/vlbase/textoutput.h"
 
 #include <QFile>
 #include <QJsonArray>
-#include <QJsonDocument>
 
 #include <algorithm>
 
@@ -57,7 +57,7 @@ bool show(const std::vector<StoredGeometry>& found, bool asJsonArray)
         QJsonArray array;
         for (const StoredGeometry& geometry : found)
             array.append(asJson(geometry));
-        return print(QString::fromUtf8(QJsonDocument(array).toJson()));
+        return print(jsonText(array));
     }
     QStringList texts;
     for (const StoredGeometry& geometry : found)

@@ -1,4 +1,5 @@
 #include "instance.h"
+#include "tools/jsontext.h"
 #include "tools/vlbase/bytecount.h"
 #include "tools/vlbase/commandline.h"
 #include "tools/vlbase/exitstatus.h"
@@ -8,7 +9,6 @@
 #include <VLBase/logging/loginstance.h>
 #include <VLBase/logging/logstatus.h>
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace vlbase::tool::log {
@@ -108,7 +108,7 @@ QString asJson(const LogStatus& status)
         object[QStringLiteral("acceptsDataBlocks")] = status.acceptsDataBlocks;
         object[QStringLiteral("lockHeld")] = status.lockHeld;
     }
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented));
+    return jsonText(object);
 }
 
 int run(CommandLine& line)

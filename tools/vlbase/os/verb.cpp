@@ -1,13 +1,13 @@
 #include "verb.h"
 
 #include "machine.h"
+#include "tools/jsontext.h"
 #include "tools/vlbase/commandline.h"
 #include "tools/vlbase/exitstatus.h"
 #include "tools/vlbase/textoutput.h"
 
 #include <VLBase/os/velaos.h>
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -36,7 +36,7 @@ QString asJson(const std::vector<Fact>& facts)
     QJsonObject object;
     for (const Fact& fact : facts)
         object[fact.key] = fact.value;
-    return QString::fromUtf8(QJsonDocument(object).toJson());
+    return jsonText(object);
 }
 
 int run(CommandLine& line)

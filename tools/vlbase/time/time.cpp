@@ -1,4 +1,5 @@
 #include "stamptext.h"
+#include "tools/jsontext.h"
 #include "tools/vlbase/commandline.h"
 #include "tools/vlbase/exitstatus.h"
 #include "tools/vlbase/textoutput.h"
@@ -6,7 +7,6 @@
 
 #include <VLBase/basetypes/datetime.h>
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace vlbase::tool::time {
@@ -26,7 +26,7 @@ QString asJson(quint64 stamp)
     QJsonObject object;
     for (const auto& [name, form] : stampTexts(stamp))
         object[name] = form;
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented));
+    return jsonText(object);
 }
 
 int run(CommandLine& line)
