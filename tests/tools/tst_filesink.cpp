@@ -1,7 +1,7 @@
 // The owner's file on disks that fill up, fail and are cut off in the middle of something, and the
 // viewers that follow it.
 
-#include "tools/vlbase/log/filefollower.h"
+#include "tools/logreading/logfollower.h"
 #include "tools/vlbase/log/filesink.h"
 #include "tools/vlbase/log/filetail.h"
 
@@ -19,6 +19,7 @@
 #include <utility>
 
 using namespace vlbase::logging;
+using namespace vlbase::logreading;
 using namespace vlbase::tool::log;
 
 namespace {
@@ -126,7 +127,7 @@ std::string numberedLines(int first, int count)
     return text;
 }
 
-std::string polled(FileFollower& follower)
+std::string polled(vlbase::logreading::LogFollower& follower)
 {
     std::string lines;
     while (follower.poll(lines)) {
@@ -397,7 +398,10 @@ void FileSinkTest::followerSeesEachLineOnce()
         const auto store = makeNativeFileStore();
         FileSink sink(*store, name, {128, keep});
         QVERIFY(sink.open() && sink.write(numberedLines(200000, 3)));
-        FileFollower follower(name);
+        LogFollower follower(name, LogSeries::Extent::Rotated);
+        QString reason;
+        QVERIFY(follower.open(reason));
+        follower.startAtEnd(0);
         std::string seen;
         for (int i = 0; i < count; ++i) {
             QVERIFY(sink.write(numbered(100000 + i)));
@@ -417,7 +421,10 @@ void FileSinkTest::sinkFollowsItsName()
     const auto store = makeNativeFileStore();
     FileSink sink(*store, name, {});
     QVERIFY(sink.open());
-    FileFollower follower(name);
+    LogFollower follower(name, LogSeries::Extent::Rotated);
+    QString reason;
+    QVERIFY(follower.open(reason));
+    follower.startAtEnd(0);
     QVERIFY(sink.write(numbered(100000)));
     sink.followName();
     QVERIFY(sink.write(numbered(100001)) && store->rename(name, name + ".moved"));

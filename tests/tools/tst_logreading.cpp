@@ -1,5 +1,6 @@
 // What reads logs: the filter language, the index and the files that are followed.
 
+#include "tests/support/toolrun.h"
 #include "tools/logreading/lineexport.h"
 #include "tools/logreading/logseries.h"
 #include "tools/logreading/merge.h"
@@ -30,6 +31,7 @@ private slots:
     void damagedIsShownAsItIs();
     void startsAtTheEnd();
     void mergesCountsAndExports();
+    void verbsTellByTheirStatus();
 };
 
 namespace {
@@ -438,6 +440,35 @@ void LogReadingTest::mergesCountsAndExports()
     QCOMPARE(out, std::string("number,time,zone,station,module,level,field1,field2,field3\r\n"
                               "100003,2026-11-22 11:30:00,UTC: 0.000000,s,m,Event,\"x,\",\"\"\"\""
                               ",a\tb\r\n,,,,,,,,plain\r\n"));
+}
+
+void LogReadingTest::verbsTellByTheirStatus()
+{
+    QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("log"));
+    write(name + QStringLiteral(".1"), manyLines[0]);
+    write(name, manyLines[1] + "no end");
+    const auto run = [&](const char* words) {
+        return runTool(QString::fromLatin1(words).split(u' ') << name);
+    };
+    const QString all = QString::fromStdString(manyLines[0] + manyLines[1] + "no end\n");
+    QCOMPARE(run("log show").output, all);
+    QCOMPARE(run("log show --single --filter receiver").status, 1);
+    QVERIFY(run("log show --json --filter level:error").output.startsWith(u"{\"index\":100000,"));
+    QCOMPARE(run("log show --filter (").status, 2);
+    QCOMPARE(run("log show --csv --json").status, 2);
+    QCOMPARE(run("log show nix").status, 2);
+    const QString copy = folder.filePath(QStringLiteral("copy"));
+    QCOMPARE(
+        runTool({QStringLiteral("log"), QStringLiteral("show"), QStringLiteral("-o"), copy, name})
+            .status,
+        0);
+    QFile file(copy);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(QString::fromUtf8(file.readAll()), all);
+    QVERIFY(run("log stats").output.startsWith(u"3 lines, 0 lost\n"));
+    QVERIFY(run("log stats --json").output.contains(u"\"lines\":3"));
+    QCOMPARE(run("log stats --filter number:1").status, 1);
 }
 
 QTEST_MAIN(LogReadingTest)

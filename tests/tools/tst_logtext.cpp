@@ -1,6 +1,5 @@
 // What becomes of the text of a line: cleaning, taking apart, counting, showing, splitting.
 
-#include "tools/vlbase/log/linefilter.h"
 #include "tools/vlbase/log/columnrenderer.h"
 #include "tools/vlbase/log/linesplitter.h"
 
@@ -27,7 +26,6 @@ private slots:
     void parsing();
     void noticesComeBack();
     void gapsAreSeenOnce();
-    void filtering();
     void columns();
     void json();
     void splitting();
@@ -207,40 +205,6 @@ void LogTextTest::gapsAreSeenOnce()
     QCOMPARE(lostBefore(numbered(700000)), QString());
     QCOMPARE(lostBefore(numbered(700001)), QString());
     QCOMPARE(lostBefore(numbered(700003)), QStringLiteral("700002-700002"));
-}
-
-void LogTextTest::filtering()
-{
-    struct Case
-    {
-        const char* module;
-        const char* text;
-        bool onlyErrors;
-        std::string line;
-        bool passes;
-    };
-    const std::string error = lineOf(100001, "North\tReceiver 1\tError\tAntenne \u00C4");
-    const std::string trace = lineOf(100001, "North\tReceiver 1\tTrace\ta");
-    for (const Case& each : {Case{"", "", false, error, true},
-                             {"", "", false, "no header", true},
-                             {"", "", true, "no header", false},
-                             {"", "", true, error, true},
-                             {"", "", true, trace, false},
-                             {"receiver 1", "", false, error, true},
-                             {"Receiver", "", false, error, false},
-                             {"", "antenne \u00E4", false, error, true},
-                             {"", "mast", false, error, false}}) {
-        LineFilter filter;
-        if (*each.module)
-            filter.setModules({QStringLiteral("x"), QString::fromUtf8(each.module)});
-        filter.setText(QString::fromUtf8(each.text));
-        if (each.onlyErrors)
-            filter.setLevels({LogLevel::Error});
-        LogLine parsed;
-        const bool hasHeader = parseLogLine(each.line, parsed);
-        QVERIFY2(filter.passes(each.line, hasHeader ? &parsed : nullptr) == each.passes,
-                 (each.module + each.line + each.text).c_str());
-    }
 }
 
 void LogTextTest::columns()

@@ -204,7 +204,7 @@ void LogVerbsTest::everyLineArrivesEverywhere()
 {
     Verb& owner = startOwner();
     Verb& first = start("tail --json --count 5006");
-    QVERIFY(first.says("showing the log live"));
+    QVERIFY(first.says("showing the log from"));
     Verb& second = start("tail --json --count 5006 --summary");
     QVERIFY(second.says("showing the log from "));
     QCOMPARE(start("send WARNING --module M\u00E4st --",
@@ -277,14 +277,13 @@ void LogVerbsTest::everyLineOnceThroughKilledOwners()
     QVERIFY(sorted == numbers("a", count) + numbers("b", count));
 }
 
-/// The live buffer holds less than comes between two looks of its viewer, which then goes on from
-/// the file, as the second one does from the start.
+/// The live buffer holds less than comes between two looks: viewers see each line all the same.
 void LogVerbsTest::rotatesUnderLoad()
 {
     const QByteArrayList expected = QByteArrayList{"mark"} + numbers("n", 49'999);
     Verb& owner = startOwner("--buffer-size 8K --rotate 64K --keep 500");
     Verb* viewers[] = {&start("tail --json --summary --count 50000"), nullptr};
-    QVERIFY(viewers[0]->says("showing the log live"));
+    QVERIFY(viewers[0]->says("showing the log from"));
     viewers[1] = &start("tail --json --summary --count 50000");
     QVERIFY(viewers[1]->says("showing the log from"));
     QCOMPARE(start("send event mark").finish(), 0);
@@ -298,8 +297,6 @@ void LogVerbsTest::rotatesUnderLoad()
         for (int i = 0; i < expected.size(); ++i)
             QVERIFY2(shown[i].contains('"' + expected[i] + '"'), shown[i].constData());
     }
-    QVERIFY2(viewers[0]->errors().contains("the live buffer ran over; going on from "),
-             viewers[0]->errors());
     QCOMPARE(owner.finish(), 0);
 
     QByteArray all;
@@ -320,9 +317,9 @@ void LogVerbsTest::fullDiskLosesNothing()
     constexpr int count = 20000;
     // The log's memory is not on that disk: it is made before the limit is low.
     Verb& keeper = startOwner();
-    Verb& viewer = start("tail --quiet --seconds 1000");
-    QCOMPARE(start("send event mark").finish(), 0);
-    QVERIFY(viewer.shows());
+    Verb& attached = start("send event -");
+    attached.write("mark\n");
+    QTRY_VERIFY_WITH_TIMEOUT(content(file()).contains("\tmark\t"), limitMs);
     QCOMPARE(keeper.finish(), 0);
     Verb owner(m_instance, {QStringLiteral("own"), QStringLiteral("--end-with-input"),
                             QStringLiteral("--file"), file()});
@@ -358,7 +355,7 @@ void LogVerbsTest::viewerOutlivesOwners()
     QVERIFY(viewer.says("the log has no owner"));
     for (const char* send : {"send Error one", "send Error two"}) {
         Verb& owner = startOwner();
-        QVERIFY(viewer.says("showing the log live"));
+        QVERIFY(viewer.says("showing the log from"));
         QCOMPARE(start("send trace no").finish(), 0);
         QCOMPARE(start(send).finish(), 0);
         QCOMPARE(owner.finish(), 0);
@@ -421,6 +418,9 @@ void LogVerbsTest::statuses()
                              {"own --reserve 2G", 2, "from 2 MiB to 1 GiB"},
                              {"own --buffer-size 1", 2, "4 KiB"},
                              {"tail --grep", 2, "--grep needs a value"},
+                             {"tail --level=", 2, "expected a value"},
+                             {"tail --filter (a", 2, "column 3: expected ')'"},
+                             {"tail --file nix", 2, "cannot read 'nix'"},
                              {"tail --json=x", 2, "--json takes no value"},
                              {"send event a b c d", 2, "at most two fields"},
                              {badFile, 1, "cannot open"}})

@@ -1,6 +1,5 @@
 // Lines of any bytes through what the program shows of a line.
 
-#include "tools/vlbase/log/linefilter.h"
 #include "tools/vlbase/log/columnrenderer.h"
 
 #include <VLBase/logging/logline.h>
@@ -40,10 +39,6 @@ void show(std::string_view text)
     QJsonParseError error;
     QJsonDocument::fromJson(QByteArray::fromStdString(json), &error);
     require(error.error == QJsonParseError::NoError);
-    LineFilter filter;
-    filter.setLevels({LogLevel::Error});
-    filter.setText(QStringLiteral("a"));
-    filter.passes(text, &line);
 }
 
 } // namespace

@@ -41,6 +41,8 @@ public:
     /// Begins with the index behind \a place: where a line begins. Before the first update.
     void startAt(std::int64_t place);
 
+    /// Gives up the memory of lines before \a row, which nobody asks for any more.
+    void forget(std::int64_t row) { m_index.forget(row); }
     const LogIndex& index() const { return m_index; }
     const FileIdentity& identity() const { return m_identity; }
     const tool::platform::NativeFile& file() const { return m_file; }

@@ -107,6 +107,17 @@ void LogIndex::append(std::string_view line, std::int64_t end)
     m_size.fetch_add(1, std::memory_order_release);
 }
 
+void LogIndex::forget(std::int64_t row)
+{
+    const std::lock_guard lock(m_mutex);
+    std::ptrdiff_t count = 0;
+    while (static_cast<std::size_t>(count) + 1 < m_firsts.size() &&
+           m_firsts[static_cast<std::size_t>(count) + 1] <= row)
+        ++count;
+    m_blocks.erase(m_blocks.begin(), m_blocks.begin() + count);
+    m_firsts.erase(m_firsts.begin(), m_firsts.begin() + count);
+}
+
 IndexView LogIndex::view() const
 {
     const std::lock_guard lock(m_mutex);

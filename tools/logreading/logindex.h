@@ -102,6 +102,8 @@ public:
     /// Takes a line that follows the ones before it and ends at \a end in the file.
     void append(std::string_view line, std::int64_t end);
 
+    /// Gives up the memory of lines before \a row; the others keep their rows.
+    void forget(std::int64_t row);
     std::int64_t size() const { return m_size.load(std::memory_order_acquire); }
     IndexView view() const;
 

@@ -226,7 +226,7 @@ void LogSeries::takeHalfLines()
         file->takeHalfLine();
 }
 
-bool LogSeries::dropRemoved()
+bool LogSeries::dropRemoved(const LogFile* next)
 {
     std::vector<FileIdentity> named;
     for (const std::string& name : names())
@@ -237,7 +237,7 @@ bool LogSeries::dropRemoved()
     m_strangers.erase(std::remove_if(m_strangers.begin(), m_strangers.end(), isGone),
                       m_strangers.end());
     std::size_t count = 0;
-    while (count < m_reading && isGone(m_files[count]))
+    while (count < m_reading && m_files[count].get() != next && isGone(m_files[count]))
         ++count;
     const std::lock_guard lock(m_mutex);
     m_files.erase(m_files.begin(), m_files.begin() + static_cast<std::ptrdiff_t>(count));
@@ -252,6 +252,19 @@ LogView LogSeries::view() const
     for (const auto& file : m_files)
         view.add(file);
     return view;
+}
+
+std::vector<std::shared_ptr<LogFile>> LogSeries::files() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_files;
+}
+
+std::shared_ptr<LogFile> LogSeries::fileAfter(const std::shared_ptr<LogFile>& file) const
+{
+    const auto found = std::find(m_files.begin(), m_files.end(), file);
+    const auto place = static_cast<std::size_t>(std::distance(m_files.begin(), found));
+    return place < m_reading ? m_files[place + 1] : nullptr;
 }
 
 std::int64_t LogSeries::indexedBytes() const

@@ -94,11 +94,14 @@ public:
     /// `open`, before the first update.
     void startAtEnd(std::int64_t lines);
     /// Lets go of the oldest files that have no name any more, because the rotation removed them.
-    /// Rows then have a new meaning, as after a reset.
+    /// Rows then have a new meaning, as after a reset. With \a next, only of those before it.
     /// \return whether there were any.
-    bool dropRemoved();
+    bool dropRemoved(const LogFile* next = nullptr);
 
     LogView view() const;
+    std::vector<std::shared_ptr<LogFile>> files() const;
+    /// The one that was begun after \a file, once that is read to its end; null before.
+    std::shared_ptr<LogFile> fileAfter(const std::shared_ptr<LogFile>& file) const;
     const std::string& name() const { return m_name; }
     std::int64_t indexedBytes() const;
     std::int64_t totalBytes() const;

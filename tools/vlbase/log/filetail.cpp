@@ -98,11 +98,6 @@ std::int64_t endOfLastWholeLine(const GrowingFile& file)
     return findLastLineEnd(file);
 }
 
-std::int64_t endOfLastWholeLine(const platform::NativeFile& file)
-{
-    return findLastLineEnd(file);
-}
-
 bool isLogToGoOn(const GrowingFile& file)
 {
     const std::int64_t size = file.size();
@@ -115,18 +110,6 @@ bool isLogToGoOn(const GrowingFile& file)
     const bool hasLines =
         beginsAsLine(headAt(file, 0)) || beginsAsLine(headAt(file, findLineEnd(file, whole - 1)));
     return hasLines && (whole == size || beginsAsLine(rest) || isCutInBegin(rest));
-}
-
-std::optional<std::int64_t> endOfLinesUpTo(int index, const platform::NativeFile& file)
-{
-    std::optional<std::int64_t> end;
-    readLinesBackwards(file, [&](std::string_view line, std::int64_t start) {
-        const int number = logging::lineIndex(line);
-        if (number != 0 && !logging::isLater(number, index))
-            end = start + static_cast<std::int64_t>(line.size()) + 1;
-        return !end;
-    });
-    return end;
 }
 
 FileTail readFileTail(const GrowingFile& file)

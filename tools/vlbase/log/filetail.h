@@ -1,10 +1,8 @@
 #pragma once
 
 #include "filestore.h"
-#include "tools/logreading/platform/nativefile.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,15 +11,10 @@ namespace vlbase::tool::log {
 
 /// Where the last line that has a line end ends; 0 in a file without one.
 std::int64_t endOfLastWholeLine(const GrowingFile& file);
-std::int64_t endOfLastWholeLine(const platform::NativeFile& file);
 
 /// Whether an owner wrote the file, so that the next one may go on behind it: its first line or its
 /// last whole one begins as a line of a log does, and so does what may follow without an end.
 bool isLogToGoOn(const GrowingFile& file);
-
-/// Where the lines begin that follow the one of this number; that line itself may be missing.
-/// Nothing when all lines of the file follow it, as far as it is searched.
-std::optional<std::int64_t> endOfLinesUpTo(int index, const platform::NativeFile& file);
 
 /// How far an earlier owner had come when it wrote its file.
 struct FileTail

@@ -17,9 +17,6 @@ public:
     /// \return whether more is likely to be there already.
     virtual bool poll(std::string& lines) = 0;
 
-    /// The log has an owner, who writes to this file: called when that changed.
-    virtual void fileChanged(const std::string& file) = 0;
-
     /// "live", or "from FILE": for the viewer's messages.
     virtual QString description() const = 0;
 };

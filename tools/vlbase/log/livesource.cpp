@@ -1,7 +1,5 @@
 #include "livesource.h"
 
-#include <VLBase/logging/logline.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -22,21 +20,8 @@ bool LiveSource::poll(std::string& lines)
     if (size > 0)
         lines.append(start, size);
     m_reader.ReleaseBuffer();
-    m_gap.reset();
-    findGap(lines, lines.size() - size);
     m_mostSeen = std::max(m_mostSeen, size);
     return size > m_mostSeen / 4 && size > 64 * 1024;
-}
-
-void LiveSource::findGap(std::string_view lines, std::size_t start)
-{
-    while (start < lines.size()) {
-        const int index = logging::lineIndex(lines.substr(start));
-        const int last = m_numbers.last();
-        if (index != 0 && m_numbers.missingBefore(index) > 0 && !m_gap)
-            m_gap = Gap{start, last};
-        start = std::min(lines.find('\0', start), lines.size()) + 1;
-    }
 }
 
 } // namespace vlbase::tool::log

@@ -128,9 +128,8 @@ Command showCommand()
     command.examples = {
         {QStringLiteral("what went wrong on two stations, in the order of time"),
          QStringLiteral("vlbase log show --filter level:error north.log south.log")},
-        {QStringLiteral("one module's lines of a day, for a spreadsheet"),
-         QStringLiteral("vlbase log show --csv -o day.csv --filter \"module:Scanner* "
-                        "after:2026-11-22 before:2026-11-23\" north.log")},
+        {QStringLiteral("one module's lines of the last day, for a spreadsheet"),
+         QStringLiteral("vlbase log show --csv --filter \"module:Scanner* after:-1d\" north.log")},
     };
     command.run = run;
     return command;

@@ -1,6 +1,6 @@
 #include "columnrenderer.h"
 #include "instance.h"
-#include "linefilter.h"
+#include "logfiles.h"
 #include "terminationwatch.h"
 #include "tools/vlbase/commandline.h"
 #include "tools/vlbase/exitstatus.h"
@@ -25,7 +25,8 @@ using std::chrono::steady_clock;
 
 struct Settings
 {
-    LineFilter filter;
+    logreading::Filter filter;
+    ViewerFeed::Start start;
     TimeShown time = TimeShown::Local;
     Colour colour = Colour::Never;
     bool isJson = false;
@@ -35,31 +36,68 @@ struct Settings
     double seconds = std::numeric_limits<double>::infinity();
 };
 
-void readFilter(CommandLine& line, LineFilter& filter)
+/// A shorthand's value as a part of a filter, such as `level:error,warning`.
+QString valuesOf(CommandLine& line, const QString& name)
+{
+    QStringList values;
+    for (const QString& value : line.list(name)) {
+        if (value.trimmed().isEmpty())
+            line.addFault(QStringLiteral("--%1 needs a value").arg(name));
+        values << logreading::filterQuoted(value.trimmed());
+    }
+    return name + u':' + values.join(u',');
+}
+
+void checkLevels(CommandLine& line)
 {
     QStringList names;
     for (const std::string_view word : logging::levelWords)
         names << QString::fromLatin1(word.data(), static_cast<qsizetype>(word.size())).toLower();
-    std::set<logging::LogLevel> levels;
     for (const QString& word : line.list(QStringLiteral("level"))) {
-        const auto level = logging::levelOf(word.trimmed().toStdString(), true);
-        if (level)
-            levels.insert(*level);
-        else
+        if (!logging::levelOf(word.trimmed().toStdString(), true))
             line.addFault(
                 QStringLiteral("--level: unknown level '%1'.%2 There are: %3")
                     .arg(word, didYouMean(word, names), names.join(QStringLiteral(", "))));
     }
-    filter.setLevels(levels);
-    filter.setModules(line.list(QStringLiteral("module")));
-    filter.setStations(line.list(QStringLiteral("station")));
-    filter.setText(line.value(QStringLiteral("grep")));
+}
+
+logreading::Filter filterOf(const QString& text, CommandLine& line)
+{
+    logreading::FilterFault fault;
+    const auto filter = logreading::Filter::parse(text, fault);
+    if (!filter)
+        line.addFault(QStringLiteral("'%1': expected %2").arg(text, fault.expected));
+    return filter.value_or(logreading::Filter());
+}
+
+logreading::Filter readFilter(CommandLine& line)
+{
+    logreading::Filter filter = readFilterOption(line);
+    checkLevels(line);
+    for (const char* name : {"level", "module", "station"}) {
+        const QString option = QString::fromLatin1(name);
+        if (line.isSet(option))
+            filter = filter && filterOf(valuesOf(line, option), line);
+    }
+    if (line.isSet(QStringLiteral("grep")))
+        filter =
+            filter && filterOf(logreading::filterQuoted(line.value(QStringLiteral("grep"))), line);
+    if (line.isSet(QStringLiteral("since")))
+        filter =
+            filter && filterOf(QStringLiteral("after:") +
+                                   logreading::filterQuoted(line.value(QStringLiteral("since"))),
+                               line);
+    return filter;
 }
 
 Settings readSettings(CommandLine& line)
 {
     Settings settings;
-    readFilter(line, settings.filter);
+    settings.filter = readFilter(line);
+    settings.start.lines = line.count(QStringLiteral("n"), 0, 0, 1'000'000'000);
+    if (line.isSet(QStringLiteral("since")))
+        settings.start.lines.reset();
+    settings.start.file = line.value(QStringLiteral("file")).toStdString();
     if (line.isSet(QStringLiteral("local")) && line.isSet(QStringLiteral("utc")))
         line.addFault(QStringLiteral("--local and --utc exclude each other"));
     settings.time = line.isSet(QStringLiteral("utc")) ? TimeShown::Utc : TimeShown::Local;
@@ -126,7 +164,7 @@ private:
             if (notice)
                 return;
         }
-        if (!m_settings.filter.passes(text, hasHeader ? &m_line : nullptr))
+        if (!m_settings.filter.holds(logreading::fieldsOf(text, m_scratch)))
             return;
         ++m_shown;
         if (hasHeader)
@@ -145,11 +183,29 @@ private:
     std::unique_ptr<LineRenderer> m_renderer;
     logging::GapWatch m_gaps;
     logging::LogLine m_line;
+    logging::LogLine m_scratch;
     std::string m_output;
     std::int64_t m_shown = 0;
     std::uint64_t m_lost = 0;
     QString m_errorText;
 };
+
+/// \return null when it cannot be read, which is told then.
+std::unique_ptr<logreading::LogFollower> openFile(const CommandLine& line,
+                                                  const ViewerFeed::Start& start)
+{
+    auto follower = std::make_unique<logreading::LogFollower>(
+        start.file, logreading::LogSeries::Extent::Rotated);
+    QString reason;
+    if (!follower->open(reason)) {
+        line.tell(
+            QStringLiteral("cannot read '%1': %2").arg(QString::fromStdString(start.file), reason));
+        return nullptr;
+    }
+    if (start.lines)
+        follower->startAtEnd(*start.lines);
+    return follower;
+}
 
 int run(CommandLine& line)
 {
@@ -157,6 +213,13 @@ int run(CommandLine& line)
     const Settings settings = readSettings(line);
     if (line.hasFault())
         return line.tellFault();
+
+    std::unique_ptr<logreading::LogFollower> follower;
+    if (!settings.start.file.empty()) {
+        follower = openFile(line, settings.start);
+        if (!follower)
+            return WrongUse;
+    }
 
     const platform::StopSignal stop;
     const TerminationWatch termination;
@@ -166,7 +229,7 @@ int run(CommandLine& line)
         return platform::StopSignal::requested() || time.count() >= settings.seconds;
     };
     Viewer viewer(settings);
-    ViewerFeed feed([&](const QString& text) {
+    ViewerFeed feed(settings.start, std::move(follower), [&](const QString& text) {
         if (!settings.isQuiet)
             line.tell(text);
     });
@@ -199,14 +262,21 @@ Command tailCommand()
     command.about = QStringLiteral(
         "Shows the lines of the shared log as they come, until Ctrl-C or until an application has "
         "all others of the desktop quit: time, level, station, module and the event's fields. "
-        "Without an owner it waits for one. The first viewer also "
-        "shows the lines that are in the live buffer when it starts; each further one follows the "
-        "owner's file, through its rotations, and so does the first one once the live buffer ran "
-        "over, so every viewer sees every line.\n"
+        "Without an owner it waits for one. It follows the owner's file, through its rotations, so "
+        "every viewer sees every line. Only where that file cannot be read, one viewer shows the "
+        "lines from the live buffer.\n"
         "\n"
         "Where numbers are missing, it says how many lines were lost. Control characters are "
         "shown as their pictures, so no line can command the terminal.");
     command.options = {
+        filterOption(),
+        {QStringLiteral("n"), QStringLiteral("N"),
+         QStringLiteral("Begins with the last N lines that are there.")},
+        {QStringLiteral("since"), QStringLiteral("T"),
+         QStringLiteral("Begins with the first line of this time: 2026-11-22T10:15:02, in UTC "
+                        "unless it has an offset, or -15m.")},
+        {QStringLiteral("file"), QStringLiteral("F"),
+         QStringLiteral("Follows this file, without a log.")},
         {QStringLiteral("level"), QStringLiteral("L,..."),
          QStringLiteral("Only lines of these levels: error, warning, event, admin, trace, data.")},
         {QStringLiteral("module"), QStringLiteral("M,..."),

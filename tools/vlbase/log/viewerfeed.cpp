@@ -1,11 +1,13 @@
 #include "viewerfeed.h"
 
-#include "filefollower.h"
 #include "instance.h"
 #include "livesource.h"
 
 #include <VLBase/logging/logstatus.h>
 #include <VLBase/logging/viewerclaim.h>
+
+#include <QDateTime>
+#include <QDir>
 
 #include <chrono>
 #include <utility>
@@ -20,10 +22,20 @@ constexpr auto ownerCheckTime = 100ms;
 constexpr auto takeTime = 100ms;
 constexpr std::size_t mostWaiting = 128 * 1024 * 1024;
 
+using logreading::LogSeries;
+
+QString shown(const std::string& file)
+{
+    return QDir::toNativeSeparators(QString::fromStdString(file));
+}
+
 } // namespace
 
-ViewerFeed::ViewerFeed(Tell tell)
+ViewerFeed::ViewerFeed(Start start, std::unique_ptr<logreading::LogFollower> follower, Tell tell)
     : m_tell(std::move(tell))
+    , m_start(std::move(start))
+    , m_startedAt(QDateTime::currentSecsSinceEpoch())
+    , m_follower(std::move(follower))
     , m_thread([this] { work(); })
 {
 }
@@ -73,7 +85,7 @@ void ViewerFeed::work()
     std::chrono::steady_clock::time_point lookedAt{};
     while (!isFinishing()) {
         const auto now = std::chrono::steady_clock::now();
-        if (now - lookedAt > ownerCheckTime) {
+        if (m_start.file.empty() && now - lookedAt > ownerCheckTime) {
             lookedAt = now;
             findOwner();
         }
@@ -91,76 +103,87 @@ void ViewerFeed::work()
     m_changed.notify_all();
 }
 
-/// Looks whether an owner is there, and makes the source with the first one.
+/// Looks whether an owner is there, and which file it writes.
 void ViewerFeed::findOwner()
 {
     const logging::LogStatus status = logging::peekLog();
-    const bool isThere = status.hasOwner() && !status.fileName.empty();
-    if (!isThere) {
-        if (m_hasOwner)
+    const bool isFirstLook = std::exchange(m_isFirstLook, false);
+    if (!status.hasOwner()) {
+        if (std::exchange(m_hasOwner, false))
             m_tell(QStringLiteral("the log's owner has ended; waiting for the next one"));
-        else if (!m_hasToldAbsence && !status.hasOwner())
+        else if (isFirstLook)
             m_tell(
                 QStringLiteral("%1; waiting for '%2'").arg(absenceText(status), ownCommandLine()));
-        m_hasToldAbsence = true;
-        m_hasOwner = false;
         return;
     }
-    if (!m_source && !makeSource(status.fileName))
+    if (isFirstLook)
+        m_startedAt = 0;
+    const bool isNew = !std::exchange(m_hasOwner, true);
+    if (m_follower && m_follower->name() == status.fileName) {
+        if (isNew)
+            m_tell(QStringLiteral("showing the log from %1").arg(shown(status.fileName)));
         return;
-    m_source->fileChanged(status.fileName);
-    if (!m_hasOwner)
-        m_tell(QStringLiteral("showing the log %1").arg(m_source->description()));
-    m_hasOwner = true;
+    }
+    useFile(status.fileName);
 }
 
-bool ViewerFeed::makeSource(const std::string& file)
+/// Goes over to another file of the owner's, once the one before is read to its end.
+void ViewerFeed::useFile(const std::string& file)
 {
+    QString reason = QStringLiteral("the owner names no file");
+    auto next = std::make_unique<logreading::LogFollower>(file, LogSeries::Extent::Rotated);
+    if (file.empty() || !next->open(reason))
+        return useLive(file, reason);
+    if (!next->looksLikeALog())
+        return useLive(file, QStringLiteral("it is no log of ours"));
+    while (pollOnce()) {
+    }
+    if (m_follower && m_follower->lastSeconds())
+        next->startBehind(*m_follower->lastSeconds(), m_follower->lastNumber());
+    else if (m_startedAt != 0 && m_start.lines)
+        next->startBehind(m_startedAt, 0);
+    else if (m_start.lines)
+        next->startAtEnd(*m_start.lines);
+    m_follower = std::move(next);
+    m_live.reset();
+    m_told.clear();
+    m_tell(QStringLiteral("showing the log from %1").arg(shown(file)));
+}
+
+void ViewerFeed::useLive(const std::string& file, const QString& reason)
+{
+    if (m_live)
+        return;
+    const QString why =
+        file.empty() ? reason : QStringLiteral("cannot read %1: %2").arg(shown(file), reason);
     logging::ViewerClaim claim;
     if (!claim.take()) {
-        m_source = std::make_unique<FileFollower>(file);
-        return true;
+        tellOnce(QStringLiteral("%1; another viewer has the live buffer").arg(why));
+        return;
     }
     auto live = std::make_unique<LiveSource>(std::move(claim));
     if (!live->isOpen())
-        return false;
-    m_live = live.get();
-    m_source = std::move(live);
-    return true;
+        return;
+    m_live = std::move(live);
+    tellOnce(QStringLiteral("%1; showing the log live").arg(why));
+}
+
+void ViewerFeed::tellOnce(const QString& text)
+{
+    if (std::exchange(m_told, text) != text)
+        m_tell(text);
 }
 
 /// \return whether more is likely to be there.
 bool ViewerFeed::pollOnce()
 {
-    if (!m_source)
+    if (!m_follower && !m_live)
         return false;
-    bool hasMore = m_source->poll(m_polled);
-    if (m_live && m_live->gap()) {
-        const LiveSource::Gap gap = *m_live->gap();
-        if (goOnFromFile(gap.lastIndex)) {
-            m_polled.resize(gap.position);
-            hasMore = true;
-        }
-    }
+    const bool hasMore = m_live ? m_live->poll(m_polled) : m_follower->poll(m_polled);
     if (!m_polled.empty())
         hand(m_polled);
     const std::lock_guard lock(m_mutex);
     return hasMore && !m_isAbandoned;
-}
-
-/// The lines that the live buffer has lost, and all that follow, are in the owner's file.
-bool ViewerFeed::goOnFromFile(int lastIndex)
-{
-    const logging::LogStatus status = logging::peekLog();
-    if (!status.hasOwner() || status.fileName.empty())
-        return false;
-    auto follower = std::make_unique<FileFollower>(status.fileName, lastIndex);
-    if (!follower->isOpen())
-        return false;
-    m_live = nullptr;
-    m_source = std::move(follower);
-    m_tell(QStringLiteral("the live buffer ran over; going on %1").arg(m_source->description()));
-    return true;
 }
 
 /// Gives lines to the viewer; waits while it has too many of them already.

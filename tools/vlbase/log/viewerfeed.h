@@ -1,32 +1,40 @@
 #pragma once
 
 #include "linesource.h"
+#include "tools/logreading/logfollower.h"
 
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
 namespace vlbase::tool::log {
 
-class LiveSource;
-
 /// Brings the lines of the log to a viewer, from a thread of its own: a terminal that is slow or
 /// stopped must not keep the live buffer from being emptied.
 ///
-/// Finds the log's owner, says so when there is none or it goes, and goes on when it comes. The
-/// first viewer of a user empties the live buffer, the others follow the owner's file. The first
-/// one goes over to the file when the live buffer ran over before it was emptied.
+/// Finds the log's owner, says so when there is none or it goes, and goes on when it comes. Follows
+/// the owner's file, through its rotations and when the owner begins another one. Where that
+/// file cannot be read or is none of a log, one viewer of a user empties the live buffer.
 class ViewerFeed
 {
 public:
     using Tell = std::function<void(const QString&)>;
 
+    /// Where to begin, and in what.
+    struct Start
+    {
+        std::optional<std::int64_t> lines = 0; ///< with the last ones; none: with the first of all
+        std::string file;                      ///< follows this one, without a log; empty: the log
+    };
+
+    /// \param follower of `start.file`, opened; null for the log
     /// `tell` is called from the feed's thread.
-    explicit ViewerFeed(Tell tell);
+    ViewerFeed(Start start, std::unique_ptr<logreading::LogFollower> follower, Tell tell);
     /// Ends the thread without a last look.
     ~ViewerFeed();
     ViewerFeed(const ViewerFeed&) = delete;
@@ -42,9 +50,10 @@ public:
 private:
     void work();
     void findOwner();
-    bool makeSource(const std::string& file);
+    void useFile(const std::string& file);
+    void useLive(const std::string& file, const QString& reason);
+    void tellOnce(const QString& text);
     bool pollOnce();
-    bool goOnFromFile(int lastIndex);
     void hand(std::string& lines);
     bool isFinishing();
 
@@ -57,10 +66,13 @@ private:
     bool m_hasEnded = false;
 
     // Of the feed's thread alone.
-    std::unique_ptr<LineSource> m_source;
-    LiveSource* m_live = nullptr; // the source, when it is that
+    Start m_start;
+    std::int64_t m_startedAt = 0; // seconds since 1970
+    std::unique_ptr<logreading::LogFollower> m_follower;
+    std::unique_ptr<LineSource> m_live; // instead of it
+    bool m_isFirstLook = true;
     bool m_hasOwner = false;
-    bool m_hasToldAbsence = false;
+    QString m_told;
     std::string m_polled;
 
     std::thread m_thread;
