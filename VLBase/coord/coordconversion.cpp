@@ -14,8 +14,6 @@ using namespace vlbase::coord;
 
 namespace {
 
-constexpr double southernNorthing = 10000000;
-
 CoordStatus statusOfRefusal(const TextBuffer& refusal)
 {
     if (refusal.view() == QLatin1String(invalidLatitude))

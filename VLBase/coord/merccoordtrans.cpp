@@ -186,7 +186,7 @@ long CMercCoordTrans::UTMCMfromLongZone(long zone) const
 QString CMercCoordTrans::UTMLatZone(double latitude) const
 {
     if (!ValidLat(wholeDegrees(latitude)))
-        return QStringLiteral("#INVALID LATITUDE");
+        return QLatin1String(invalidLatitude);
     return QString(QLatin1Char(gridBand(latitude)));
 }
 

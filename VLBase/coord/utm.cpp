@@ -9,8 +9,6 @@ using namespace vlbase::coord;
 
 namespace {
 
-constexpr double southernNorthing = 10000000;
-
 /// The number as printf writes it, and the band; into the room that the text has.
 void writeZone(const UtmZone& zone, QString& text)
 {

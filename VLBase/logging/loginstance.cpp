@@ -4,24 +4,10 @@
 #include <VLBase/logging/internal/logopening.h>
 
 #include <algorithm>
-#include <string>
 
-namespace vlbase::logging {
+using namespace vlbase::logging;
 
 namespace {
-
-// Never destroyed: a tracer may be among the last objects of the process.
-std::string& instanceName()
-{
-    static auto& name = *new std::string;
-    return name;
-}
-
-std::mutex& instanceMutex()
-{
-    static auto& mutex = *new std::mutex;
-    return mutex;
-}
 
 bool isNameCharacter(QChar character)
 {
@@ -32,25 +18,6 @@ bool isNameCharacter(QChar character)
 
 } // namespace
 
-std::mutex& attachmentMutex()
-{
-    static auto& mutex = *new std::mutex;
-    return mutex;
-}
-
-std::string objectName(const char* object)
-{
-    const std::lock_guard guard(instanceMutex());
-    std::string name = object;
-    if (!instanceName().empty())
-        name += "." + instanceName();
-    return name;
-}
-
-} // namespace vlbase::logging
-
-using namespace vlbase::logging;
-
 bool setLogInstance(const QString& name)
 {
     constexpr qsizetype maximumLength = 64;
@@ -59,13 +26,11 @@ bool setLogInstance(const QString& name)
     const std::lock_guard attachmentGuard(attachmentMutex());
     if (isLogOpen())
         return false;
-    const std::lock_guard guard(instanceMutex());
-    instanceName() = name.toStdString();
+    setInstanceName(name.toStdString());
     return true;
 }
 
 QString logInstance()
 {
-    const std::lock_guard guard(instanceMutex());
     return QString::fromStdString(instanceName());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <VLBase/logging/openresult.h>
 #include <VLBase/vlbase_export.h>
 
 #include <cstdint>
@@ -7,14 +8,6 @@
 
 namespace vlbase::logging {
 class LogAttachment;
-
-/// How an attempt to open the shared log ended.
-enum class OpenResult : int {
-    Created,  ///< a new log
-    TookOver, ///< a log that was there; for an owner, one that the last owner left to its writers
-    Busy,     ///< another owner is alive
-    Failed    ///< damaged, foreign, or refused by the system; for all but owners, also absent
-};
 } // namespace vlbase::logging
 
 /// One process's handle on the log buffer that all processes of a user share.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <VLBase/coord/coordformat.h>
+#include <VLBase/coord/internal/degrees.h>
 #include <VLBase/coord/internal/points.h>
 #include <VLBase/coord/internal/textbuffer.h>
 
@@ -9,9 +10,6 @@
 #include <optional>
 
 namespace vlbase::coord {
-
-constexpr char invalidLatitude[] = "#INVALID LATITUDE";
-constexpr char invalidLongitude[] = "#INVALID LONGITUDE";
 
 /// The plain text of a position on WGS 84, or a refusal that begins with "#". An unknown format
 /// is treated as "Geo long".

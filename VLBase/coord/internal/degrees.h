@@ -30,6 +30,10 @@ constexpr bool isLongitudeZone(long zone)
     return 1 <= zone && zone <= 60;
 }
 
+/// What a grid reference or a text is instead when the position is none.
+inline constexpr char invalidLatitude[] = "#INVALID LATITUDE";
+inline constexpr char invalidLongitude[] = "#INVALID LONGITUDE";
+
 /// The magnitude of a code, defined for the smallest integer too.
 constexpr unsigned codeOf(int signedCode)
 {

@@ -9,9 +9,6 @@
 namespace vlbase::coord {
 namespace {
 
-constexpr char invalidLatitude[] = "#INVALID LATITUDE";
-constexpr char invalidLongitude[] = "#INVALID LONGITUDE";
-
 constexpr long long metresPerSquare = 100000;
 
 /// Grid values in whole metres; a northing south of the equator counts from 10,000 km.

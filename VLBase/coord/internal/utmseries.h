@@ -4,6 +4,9 @@
 
 namespace vlbase::coord {
 
+/// What UTM adds to the northings of the southern half.
+constexpr double southernNorthing = 10000000;
+
 /// Zone and band that UTM gives to a position.
 struct UtmZone
 {

@@ -11,7 +11,6 @@
 namespace vlbase::coord {
 namespace {
 
-constexpr double southernNorthing = 10000000;
 constexpr double southEnd = -80;
 constexpr double northEnd = 84;
 

@@ -14,6 +14,12 @@ inline constexpr char openingObject[] = "vlcoreOpening";
 inline constexpr char ownerObject[] = "vlcoreOwner";
 inline constexpr char viewerObject[] = "vlcoreViewer";
 
+/// Which log this process takes part in; empty for the user's common one.
+std::string instanceName();
+
+/// The caller holds `attachmentMutex`.
+void setInstanceName(const std::string& name);
+
 /// The name of an object of the log that this process takes part in.
 std::string objectName(const char* object);
 

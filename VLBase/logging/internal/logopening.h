@@ -1,7 +1,7 @@
 #pragma once
 
 #include <VLBase/logging/internal/logattachment.h>
-#include <VLBase/logging/mmshared.h>
+#include <VLBase/logging/openresult.h>
 
 #include <memory>
 
