@@ -1,6 +1,6 @@
 #pragma once
 
-#include "process.h"
+#include "childprocess.h"
 #include "transport.h"
 
 #include <cstdint>

@@ -94,7 +94,7 @@ public:
     LogUser(const LogUser&) = delete;
     LogUser& operator=(const LogUser&) = delete;
 
-    LogAttachment* attachment() const { return m_attachment.get(); }
+    LogAttachment* log() const { return m_attachment.get(); }
 
 private:
     Role m_role;
@@ -145,7 +145,7 @@ std::shared_ptr<LogAttachment> openLog(int role, int bufferSize, int reserveByte
         return nullptr;
     processAttachment() = attachment;
     const auto user = std::make_shared<LogUser>(kind, std::move(attachment), std::move(claim));
-    return {user, user->attachment()};
+    return {user, user->log()};
 }
 
 bool isLogOpen()

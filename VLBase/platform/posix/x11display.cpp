@@ -82,7 +82,7 @@ X11Display::X11Display(Connection connection, int screen, std::chrono::milliseco
 
 /// xcb waits without limit for the greeting of a server, so a thread does, which is left behind
 /// when that does not come in time.
-X11Display::Connection X11Display::connect(int& screen, std::chrono::milliseconds limit)
+X11Display::Connection X11Display::openConnection(int& screen, std::chrono::milliseconds limit)
 {
     struct Connected
     {
@@ -115,7 +115,7 @@ std::unique_ptr<X11Display> X11Display::open(std::chrono::milliseconds answerLim
     const char* const name = std::getenv("DISPLAY");
     int screen = 0;
     Connection connection =
-        name == nullptr || *name == '\0' ? nullptr : connect(screen, answerLimit);
+        name == nullptr || *name == '\0' ? nullptr : openConnection(screen, answerLimit);
     if (connection && xcb_connection_has_error(connection.get()) == 0) {
         std::unique_ptr<X11Display> display(
             new X11Display(std::move(connection), screen, answerLimit));

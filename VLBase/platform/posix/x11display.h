@@ -86,7 +86,7 @@ private:
     using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
 
     X11Display(Connection connection, int screen, std::chrono::milliseconds answerLimit);
-    static Connection connect(int& screen, std::chrono::milliseconds limit);
+    static Connection openConnection(int& screen, std::chrono::milliseconds limit);
     bool internNames();
     void* await(unsigned sequence);
     void send(xcb_window_t receiver, std::uint32_t mask, xcb_window_t window, X11Name type,
