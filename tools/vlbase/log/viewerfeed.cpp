@@ -1,7 +1,6 @@
 #include "viewerfeed.h"
 
 #include "instance.h"
-#include "livesource.h"
 
 #include <VLBase/logging/logstatus.h>
 #include <VLBase/logging/viewerclaim.h>

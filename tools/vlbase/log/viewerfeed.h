@@ -1,6 +1,6 @@
 #pragma once
 
-#include "linesource.h"
+#include "livesource.h"
 #include "tools/logreading/logfollower.h"
 
 #include <condition_variable>
@@ -69,7 +69,7 @@ private:
     Start m_start;
     std::int64_t m_startedAt = 0; // seconds since 1970
     std::unique_ptr<logreading::LogFollower> m_follower;
-    std::unique_ptr<LineSource> m_live; // instead of it
+    std::unique_ptr<LiveSource> m_live; // instead of it
     bool m_isFirstLook = true;
     bool m_hasOwner = false;
     QString m_told;
