@@ -43,12 +43,20 @@ private:
         return line.isVague ? Truth::Maybe : m_plan.judge(line.sender, line.number, line.seconds);
     }
 
+    bool isReadingNeeded(std::uint32_t from, std::uint32_t to) const
+    {
+        while (from < to && judge(from) != Truth::Maybe)
+            ++from;
+        return from < to;
+    }
+
     bool holds(std::string_view text) { return m_plan.filter().holds(fieldsOf(text, m_scratch)); }
 
     void lookAt(std::uint32_t from, std::uint32_t to, std::uint32_t start,
                 std::vector<std::uint32_t>& rows)
     {
-        if (const TextFinder* const finder = m_plan.filter().required())
+        const TextFinder* const finder = m_plan.filter().required();
+        if (finder != nullptr && isReadingNeeded(from, to))
             search(*finder, from, to, start, rows);
         else
             lookAtEach(from, to, start, rows);
@@ -88,13 +96,9 @@ private:
                 std::vector<std::uint32_t>& rows)
     {
         std::uint32_t row = from;
-        while (row < to && judge(row) == Truth::No)
-            ++row;
-        if (row == to)
-            return;
         const std::string_view bytes = read(from, to);
         const std::int64_t base = m_block.begin(from);
-        std::size_t place = finder.find(bytes, static_cast<std::size_t>(m_block.begin(row) - base));
+        std::size_t place = finder.find(bytes);
         while (place != TextFinder::npos) {
             while (m_block.end(row) - base <= static_cast<std::int64_t>(place))
                 ++row;
